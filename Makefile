@@ -1,0 +1,67 @@
+# Tavrin Processing: build, test, demo, bench and fuzz entry points.
+# Each target installs the Debian packages it needs when they are missing.
+
+JOBS        ?= $(shell nproc)
+BUILD       := build
+TEST_BUILD  := build-test
+BENCH_BUILD := build-bench
+FUZZ_BUILD  := build-fuzz
+FUZZ_SECONDS ?= 60
+
+PKGS_BUILD := cmake ninja-build g++
+PKGS_TEST  := $(PKGS_BUILD) libgtest-dev libgmock-dev libtiff-tools python3-pil
+PKGS_BENCH := $(PKGS_BUILD) libbenchmark-dev
+PKGS_FUZZ  := $(PKGS_BUILD) clang libclang-rt-14-dev
+
+# $(call need,packages): install what is missing (as root), or print the line to run.
+define need
+	@missing=""; for p in $(1); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
+	if [ -n "$$missing" ]; then \
+	  if [ "$$(id -u)" = 0 ]; then \
+	    echo "installing:$$missing"; \
+	    DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $$missing \
+	    || { apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $$missing; }; \
+	  else \
+	    echo "missing packages; run: sudo apt-get install -y$$missing"; exit 1; \
+	  fi; \
+	fi
+endef
+
+.PHONY: all build test demo bench fuzz clean
+
+all: build
+
+build:
+	$(call need,$(PKGS_BUILD))
+	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
+	cmake --build $(BUILD) -j $(JOBS)
+
+test:
+	$(call need,$(PKGS_TEST))
+	cmake -S . -B $(TEST_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTAVRIN_TESTS=ON -DTAVRIN_SANITIZE=ON >/dev/null
+	cmake --build $(TEST_BUILD) -j $(JOBS)
+	cd $(TEST_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	  ctest -j $(JOBS) --output-on-failure --timeout 600
+
+demo: build
+	$(BUILD)/bin/tavrin demo
+
+bench:
+	$(call need,$(PKGS_BENCH))
+	cmake -S . -B $(BENCH_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Release -DTAVRIN_BENCH=ON >/dev/null
+	cmake --build $(BENCH_BUILD) -j $(JOBS)
+	@for b in $(BENCH_BUILD)/bin/bench_*; do echo "== $$b"; $$b; done
+
+fuzz:
+	$(call need,$(PKGS_FUZZ))
+	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTAVRIN_FUZZ=ON >/dev/null
+	cmake --build $(FUZZ_BUILD) -j $(JOBS)
+	@for f in $(FUZZ_BUILD)/bin/fuzz_*; do \
+	  name=$$(basename $$f); mkdir -p fuzz/corpus/$$name $(FUZZ_BUILD)/work/$$name; \
+	  echo "== $$name for $(FUZZ_SECONDS) s"; \
+	  $$f -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 \
+	      $(FUZZ_BUILD)/work/$$name fuzz/corpus/$$name || exit 1; \
+	done
+
+clean:
+	rm -rf $(BUILD) $(TEST_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)

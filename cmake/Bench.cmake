@@ -1,0 +1,7 @@
+find_package(benchmark REQUIRED)
+file(GLOB TAVRIN_BENCH_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/bench/*.cpp)
+foreach(src ${TAVRIN_BENCH_SOURCES})
+  get_filename_component(name ${src} NAME_WE)
+  add_executable(${name} ${src})
+  target_link_libraries(${name} PRIVATE Tavrin_ProcFunction_static benchmark::benchmark benchmark::benchmark_main)
+endforeach()

@@ -1,0 +1,11 @@
+/* Tavrin Processing: everything a ProcessingHost needs. */
+#ifndef TAVRIN_TAVRIN_H
+#define TAVRIN_TAVRIN_H
+
+#include "tavrin/types.h"
+#include "tavrin/image_header.h"
+#include "tavrin/ap_callbacks.h"
+#include "tavrin/platform.h"
+#include "tavrin/dl_host.h"
+
+#endif

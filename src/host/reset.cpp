@@ -1,0 +1,28 @@
+#include "host/reset.h"
+#include "host/ap_callbacks.h"
+#include "host/errors.h"
+#include "host/globals.h"
+#include "host/log.h"
+#include "host/prompts.h"
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "platform/locale.h"
+#include "platform/platform_table.h"
+#include "store/data_list.h"
+#include "store/memory.h"
+
+void ResetProcessState()
+{
+    ResetDataListState();
+    ResetMemoryState();
+    ResetLogState();
+    ResetErrorState();
+    ResetCallbackTable();
+    ResetPlatformState();
+    ResetGlobals();
+    ReplayFlag = false;
+    SetClockForTests(nullptr);
+    SetLocaleNameForTests(nullptr);
+    SetFileWriteLimitForTests(-1);
+    SetFileReadFailureForTests(false);
+}

@@ -1,0 +1,29 @@
+// Byte-stream files: the system's open, create, read, write, seek and close.
+//
+// A read or write of any length is split into pieces of at most 32768 bytes and stops at the
+// first short piece; the caller compares the count it gets with the count it asked for.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+using FileHandle = int;
+constexpr FileHandle kInvalidFile = -1;
+constexpr size_t kFileChunkBytes = 32768;
+
+enum class FileMode { Read, Write, ReadWrite };
+enum class FileOrigin { Begin, Current, End };
+
+FileHandle FileOpen(const std::string& path, FileMode mode);
+FileHandle FileCreate(const std::string& path);      // creates or truncates, for writing
+// Bytes moved, or -1 when the first piece already failed.
+long long FileRead(FileHandle file, void* buffer, size_t count);
+long long FileWrite(FileHandle file, const void* buffer, size_t count);
+// New position from the start, or -1.
+long long FileSeek(FileHandle file, long long offset, FileOrigin origin);
+int FileClose(FileHandle file);                      // 0, or -1 on failure
+
+// For tests: after `bytes` more bytes have been written through FileWrite, every further
+// write falls short as on a full disk (-1 switches this off). Failing reads likewise.
+void SetFileWriteLimitForTests(long long bytes);
+void SetFileReadFailureForTests(bool fail);

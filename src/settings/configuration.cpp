@@ -1,0 +1,32 @@
+#include "settings/configuration.h"
+#include "host/errors.h"
+#include "host/log.h"
+#include "host/revision.h"
+#include "settings/user_settings.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+void StoreConfiguration()
+{
+    char sub[8];
+    std::snprintf(sub, sizeof sub, "%02d", kProcessingSubRevision);
+    SaveSettingString("Revision", kProcessingRevision);
+    SaveSettingString("Sub-Revision", sub);
+    Log("Store software configuration on disk\n");
+}
+
+void RetrieveConfiguration()
+{
+    char revision[16], sub[16];
+    if (LoadSettingString("Revision", revision, sizeof revision, "") < 0 ||
+        LoadSettingString("Sub-Revision", sub, sizeof sub, "") < 0) {
+        StoreConfiguration();
+        return;
+    }
+    if (std::atoi(revision) != std::atoi(kProcessingRevision)) {
+        Error(ERR_READ_CONFIGURATION);
+        return;
+    }
+    Log("Retrieve software configuration from disk\n");
+}
