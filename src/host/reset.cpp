@@ -3,7 +3,9 @@
 #include "host/errors.h"
 #include "host/globals.h"
 #include "host/log.h"
+#include "host/progress.h"
 #include "host/prompts.h"
+#include "host/wait.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/locale.h"
@@ -21,6 +23,8 @@ void ResetProcessState()
     ResetPlatformState();
     ResetGlobals();
     ReplayFlag = false;
+    ResetWaitState();
+    ResetProgressState();
     SetClockForTests(nullptr);
     SetLocaleNameForTests(nullptr);
     SetFileWriteLimitForTests(-1);
