@@ -1,0 +1,81 @@
+// Bounded text copy and append; the processing history.
+#include "support/test_host.h"
+#include "host/text.h"
+#include "store/history.h"
+#include "store/image_header.h"
+#include "store/memory.h"
+
+#include <cstring>
+
+class TextTest : public LibraryTest {
+protected:
+    void SetUp() override
+    {
+        LibraryTest::SetUp();
+        ASSERT_EQ(host.Start(), 0);
+    }
+};
+
+TEST_F(TextTest, Strncpy0AlwaysTerminates)
+{
+    char b[6];
+    std::memset(b, 'z', sizeof b);
+    strncpy0(b, "abcdefgh", sizeof b);
+    EXPECT_STREQ(b, "abcde");
+    strncpy0(b, "ab", sizeof b);
+    EXPECT_STREQ(b, "ab");
+    strncpy0(b, "x", 0);
+    EXPECT_STREQ(b, "ab");
+    EXPECT_NE(ReadLog().find("Program error - strncpy0 n=0"), std::string::npos);
+}
+
+TEST_F(TextTest, Strncat0KeepsTheWholeBelowItsSize)
+{
+    char b[8] = "abc";
+    strncat0(b, "defghij", sizeof b);
+    EXPECT_STREQ(b, "abcdefg");
+    char full[4] = {'a', 'b', 'c', 'd'};   // no terminator within its size
+    strncat0(full, "x", sizeof full);
+    EXPECT_NE(ReadLog().find("Program error - strncat0 4 4"), std::string::npos);
+    EXPECT_EQ(full[0], 'a');
+}
+
+TEST_F(TextTest, TheNameTableHas122EntriesTheLastTheErrorEntry)
+{
+    EXPECT_EQ(ProcessNameCount(), 122);
+    EXPECT_STREQ(GetProcessName(0), "Low 3x3 filter");
+    EXPECT_STREQ(GetProcessName(13), "Diag \\ Edge");
+    EXPECT_STREQ(GetProcessName(121), "Img Proc Str Error");
+    EXPECT_STREQ(GetProcessName(122), "Img Proc Str Error");
+    EXPECT_STREQ(GetProcessName(-1), "Img Proc Str Error");
+}
+
+TEST_F(TextTest, AddingTheFiftiethEntryKeeps49AndLosesTheOldest)
+{
+    ImageHeaderType* r = AllocateHeader();
+    r->ProcessListOff = 255;
+    for (int i = 1; i <= 49; ++i) AddImProc2List(r, i);
+    EXPECT_EQ(r->ProcessList[48], 49);
+    EXPECT_EQ(r->ProcessListOff, 255);
+    AddImProc2List(r, 100);
+    EXPECT_EQ(r->ProcessList[0], 2);
+    EXPECT_EQ(r->ProcessList[47], 49);
+    EXPECT_EQ(r->ProcessList[48], 100);
+    EXPECT_EQ(r->ProcessListOff, 0);   // the history shows again
+    EXPECT_EQ(SeeIfProcessDone(r, 1), 0);
+    EXPECT_EQ(SeeIfProcessDone(r, 100), 1);
+    FreeHeader(r);
+}
+
+TEST_F(TextTest, SeeIfProcessDoneWithCodeZeroFindsTheTerminatorOfAShortList)
+{
+    ImageHeaderType* r = AllocateHeader();
+    AddImProc2List(r, 38);
+    EXPECT_EQ(SeeIfProcessDone(r, 0), 1);
+    EXPECT_EQ(SeeIfProcessDone(r, 38), 1);
+    EXPECT_EQ(SeeIfProcessDone(r, 39), 0);
+    for (int i = 0; i < 48; ++i) AddImProc2List(r, 5);
+    EXPECT_EQ(SeeIfProcessDone(r, 0), 0);   // 49 entries: no terminator within the list
+    EXPECT_EQ(SeeIfProcessDone(nullptr, 0), 0);
+    FreeHeader(r);
+}
