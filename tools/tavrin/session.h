@@ -1,0 +1,54 @@
+// The state of one run of the command-line host: its options, the answers waiting for the
+// library's prompts, the frame stores it owns, and whether a command reported an error.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "tavrin/tavrin.h"
+
+struct Answer {
+    enum Kind { Yes, No, Cancel, Ok, Number, Text } kind;
+    double number = 0;
+    std::string text;
+};
+
+struct HostOptions {
+    bool verbose = false;          // -v: print log lines as they are written
+    int defaultAnswer = 0;         // TV_IDYES / TV_IDNO from --yes / --no, 0: each prompt's default
+    std::string user;              // --user NAME, default the system login name
+};
+
+struct HostFrameStore {
+    int16_t number = 0;
+    std::vector<uint8_t> index;    // 512 x 512 colour indices, bottom-up rows
+    std::vector<uint8_t> rgb;      // 512 x 512 x 3, blue, green, red
+};
+
+struct HostSession {
+    HostOptions options;
+    std::deque<Answer> answers;    // queued by `answer` lines of a script
+    std::vector<HostFrameStore> frameStores;
+    int16_t currentFrameStore = 0;
+    uint16_t palette[3][256] = {};
+    bool errorReported = false;    // a command reported an error: exit status 1
+    bool started = false;
+    std::vector<std::string> paramLines;   // the parameter text panel
+};
+
+HostSession& Session();
+
+// Registers the callback and platform tables, starts the library, sets the user, opens the
+// frame stores. Answers false when the library refused to start.
+bool StartSession(const HostOptions& options);
+// Ends the run with dl_Finish, answering its questions: exit, do not save settings.
+void EndSession();
+
+// The next queued answer, if any.
+bool TakeAnswer(Answer* answer);
+
+// The callback table of this host.
+ApCallbackFunctionTableType HostCallbackTable();
+TavrinPlatformTable HostPlatformTable();
