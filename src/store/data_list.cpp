@@ -1,6 +1,8 @@
 #include "store/data_list.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
+#include "store/data_list_display.h"
+#include "store/data_list_mapping.h"
 #include "store/image_header.h"
 #include "store/memory.h"
 
@@ -22,10 +24,53 @@ void FreeAttachedSpectra(ImageHeaderType* image)
     image->nSPSRefData = 0;
 }
 
+// The record leaves the list and is freed; the caller has dealt with its blocks.
+ImageHeaderType* Unlink(ImageHeaderType* item)
+{
+    ImageHeaderType* next = item->Next;
+    ImageHeaderType* prev = item->Prev;
+    if (prev) prev->Next = next;
+    if (next) next->Prev = prev;
+    if (FirstItem == item) FirstItem = next;
+    if (CurrentItem == item) CurrentItem = nullptr;
+    DropFrameStoreReferences(item);
+    FreeHeader(item);
+    return next ? next : prev;
+}
+
+// EraseItem on an item known to be on the list. Answers false when the item's class has no
+// erase and the item stays.
+bool EraseListItem(ImageHeaderType* item)
+{
+    const bool wasCurrent = item == CurrentItem;
+    if (CheckHeaderIsImageType(item)) {
+        efree(item->FFTDataPtr);
+        SetFFTBlock(item, nullptr);
+        ReleaseMappingSet(item);
+        FreeAttachedSpectra(item);
+        Ap.ap_Close3DView(item->DataId);
+        FreeMem(item->PixHandle, item->PixData);
+    } else if (CheckHeaderIsSpecType(item)) {
+        efree(item->PixData);
+    } else {
+        ProgramError("Erase current data %d", static_cast<int>(item->ImType1));
+        return false;
+    }
+    item->PixData = nullptr;
+    item->PixHandle = 0;
+    ImageHeaderType* standIn = Unlink(item);
+    if (wasCurrent) CurrentItem = standIn;
+    return true;
+}
+
 } // namespace
 
 ImageHeaderType* AllocateListItem(ImageHeaderType* after)
 {
+    if (after && !IsInList(after)) {
+        ProgramError("AllocateListItem");
+        return nullptr;
+    }
     ImageHeaderType* item = AllocateHeader();
     if (!item) return nullptr;
     InitImageHeader(item, -1, -1);
@@ -44,54 +89,40 @@ ImageHeaderType* AllocateListItem(ImageHeaderType* after)
 
 ImageHeaderType* UnlinkListItem(ImageHeaderType* item)
 {
-    if (!item) {
+    if (!item || !IsInList(item)) {
         ProgramError("UnlinkListItem");
         return nullptr;
     }
-    ImageHeaderType* next = item->Next;
-    ImageHeaderType* prev = item->Prev;
-    if (prev) prev->Next = next;
-    if (next) next->Prev = prev;
-    if (FirstItem == item) FirstItem = next;
-    if (CurrentItem == item) CurrentItem = nullptr;
-    FreeHeader(item);
-    return next ? next : prev;
+    return Unlink(item);
 }
 
 void EraseItem(ImageHeaderType* item)
 {
     if (!item) return;
-    const bool wasCurrent = item == CurrentItem;
-    if (CheckHeaderIsImageType(item)) {
-        efree(item->FFTDataPtr);
-        SetFFTBlock(item, nullptr);
-        FreeAttachedSpectra(item);
-        Ap.ap_Close3DView(item->DataId);
-        FreeMem(item->PixHandle, item->PixData);
-    } else if (CheckHeaderIsSpecType(item)) {
-        efree(item->PixData);
-    } else {
-        ProgramError("Erase current data %d", static_cast<int>(item->ImType1));
+    if (!IsInList(item)) {
+        ProgramError("EraseItem");
         return;
     }
-    item->PixData = nullptr;
-    item->PixHandle = 0;
-    ImageHeaderType* standIn = UnlinkListItem(item);
-    if (wasCurrent) CurrentItem = standIn;
+    EraseListItem(item);
 }
 
-void EraseAllItems()
+void EraseAllItems(ImageHeaderType* keep)
 {
-    while (FirstItem) {
-        ImageHeaderType* before = FirstItem;
-        CurrentItem = FirstItem;
-        EraseItem(FirstItem);
-        if (FirstItem == before) {
-            // An item of no known class cannot be erased by class: drop its record.
-            UnlinkListItem(before);
-        }
+    if (keep && !IsInList(keep)) {
+        ProgramError("EraseAllItems");
+        return;
     }
-    CurrentItem = nullptr;
+    ImageHeaderType* item = FirstItem;
+    while (item) {
+        ImageHeaderType* next = item->Next;
+        if (item != keep && !EraseListItem(item)) {
+            // No erase by class: the record goes with the one block the registry knows.
+            efree_check(item->PixData);
+            Unlink(item);
+        }
+        item = next;
+    }
+    CurrentItem = keep;
 }
 
 ImageHeaderType* NextItem(ImageHeaderType* item)
@@ -130,19 +161,15 @@ int CountItems()
 
 bool IsInList(const ImageHeaderType* item)
 {
+    if (!item) return false;
     for (ImageHeaderType* p = FirstItem; p; p = p->Next)
         if (p == item) return true;
     return false;
-}
-
-void DisplayCurrentItem()
-{
-    // The display of items arrives with the frame stores; until then a change of the current
-    // item is not drawn.
 }
 
 void ResetDataListState()
 {
     EraseAllItems();
     FirstItem = CurrentItem = nullptr;
+    ResetDisplayRequests();
 }
