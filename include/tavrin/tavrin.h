@@ -7,5 +7,6 @@
 #include "tavrin/ap_callbacks.h"
 #include "tavrin/platform.h"
 #include "tavrin/dl_host.h"
+#include "tavrin/dl_colour.h"
 
 #endif

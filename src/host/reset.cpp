@@ -1,4 +1,5 @@
 #include "host/reset.h"
+#include "display/colour_startup.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
 #include "host/globals.h"
@@ -29,4 +30,5 @@ void ResetProcessState()
     SetLocaleNameForTests(nullptr);
     SetFileWriteLimitForTests(-1);
     SetFileReadFailureForTests(false);
+    ResetColourState();
 }

@@ -1,4 +1,5 @@
 #include "host/startup.h"
+#include "display/colour_startup.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
 #include "host/globals.h"
@@ -111,6 +112,7 @@ int Startup(const char* commandLine)
     if (LogFileName().empty()) SetLogFileName(DefaultLogFileName());
     LogBanner(commandLine);
     ResetErrorState();
+    StartupColourTables();
     int result = CheckHeapManager();
     RetrieveConfiguration();
     return result;
@@ -147,6 +149,7 @@ int Finish()
     }
     EraseAllItems();
     if (DebugMode) g_finishDifference = g_startHeap - HeapWalk();
+    FinishColourTables();
     Log("\nProgram terminated normally.\n");
     CloseLogMutex();
     TraceEntry("dl_Finish done");

@@ -1,4 +1,6 @@
 #include "settings/configuration.h"
+#include "display/colour_startup.h"
+#include "display/lut_settings.h"
 #include "host/errors.h"
 #include "host/log.h"
 #include "host/revision.h"
@@ -13,6 +15,7 @@ void StoreConfiguration()
     std::snprintf(sub, sizeof sub, "%02d", kProcessingSubRevision);
     SaveSettingString("Revision", kProcessingRevision);
     SaveSettingString("Sub-Revision", sub);
+    StoreColourTableSettings();
     Log("Store software configuration on disk\n");
 }
 
@@ -28,5 +31,7 @@ void RetrieveConfiguration()
         Error(ERR_READ_CONFIGURATION);
         return;
     }
+    RetrieveColourTableSettings();
+    LoadSelectedColourTable();
     Log("Retrieve software configuration from disk\n");
 }
