@@ -14,7 +14,7 @@
 /* The initialisation record, 1032 bytes. */
 typedef struct wint_DLLInitialiseType {
     char CmdLine[1024];     /* the host's command line; "/MORE" and "/DBG" are read from it */
-    uint32_t HostData1;     /* carried, not used by the library */
+    uint32_t HostData1;     /* bit 0: True-RGB mode (frame stores keep a 24-bit layer); otherwise carried */
     uint32_t HostData2;
 } TAVRIN_PACKED wint_DLLInitialiseType;
 
