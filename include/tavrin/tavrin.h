@@ -8,5 +8,6 @@
 #include "tavrin/platform.h"
 #include "tavrin/dl_host.h"
 #include "tavrin/dl_colour.h"
+#include "tavrin/dl_data_list.h"
 
 #endif

@@ -1,0 +1,79 @@
+#include "store/duplicate.h"
+#include "host/errors.h"
+#include "store/data_list.h"
+#include "store/image_header.h"
+#include "store/memory.h"
+
+#include <cstring>
+
+namespace {
+
+// The pixel block of a record's size: element count and element size; false when the record
+// has no size or no class.
+bool PixelBlockSize(const ImageHeaderType* record, size_t* count, size_t* size)
+{
+    if (CheckHeaderIsImageType(record)) {
+        if (record->nx <= 0 || record->ny <= 0) return false;
+        *count = static_cast<size_t>(record->nx) * static_cast<size_t>(record->ny);
+        *size = 2;
+        return true;
+    }
+    if (CheckHeaderIsSpecType(record)) {
+        if (record->nx <= 0) return false;
+        *count = static_cast<size_t>(record->nx);
+        *size = 8;   // a Y and an X sample of f32
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+ImageHeaderType* DuplicateForResult(const ImageHeaderType* source)
+{
+    size_t count = 0, size = 0;
+    if (!source || !IsInList(source) || !PixelBlockSize(source, &count, &size)) {
+        ProgramError("CopyNewHEader");
+        return nullptr;
+    }
+    ImageHeaderType* item = AllocateListItem(const_cast<ImageHeaderType*>(source));
+    if (!item) return nullptr;
+    const int copyFailed = CopyImageHeader(item, source, 1);
+    SetFFTBlock(item, nullptr);
+    SetSPSRefChain(item, nullptr);
+    item->nSPSRefData = 0;
+    if (copyFailed) {
+        UnlinkListItem(item);
+        return nullptr;
+    }
+    MemHandleType pixels;
+    if (!AllocateMemNoErr(count, size, &pixels)) {
+        Error(ERR_NO_MEMORY);
+        UnlinkListItem(item);
+        return nullptr;
+    }
+    std::memset(pixels.Ptr, 0, count * size);
+    item->PixHandle = pixels.Handle;
+    item->PixData = static_cast<uint16_t*>(pixels.Ptr);
+    StampSaved(item);
+    return item;
+}
+
+ImageHeaderType* DuplicateFull(ImageHeaderType* source, ImageHeaderType* after)
+{
+    if (!source || IsInList(source)) {
+        ProgramError("DuplicateFull");
+        return nullptr;
+    }
+    ImageHeaderType* item = AllocateListItem(after);
+    if (!item) return nullptr;
+    if (CopyImageHeader(item, source, 1)) {
+        SetFFTBlock(item, nullptr);
+        SetCITSBlock(item, nullptr);
+        SetSPSRefChain(item, nullptr);
+        UnlinkListItem(item);
+        return nullptr;
+    }
+    CopyHeaderPointers(item, source);
+    return item;
+}

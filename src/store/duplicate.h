@@ -1,0 +1,21 @@
+// New list items made from an existing record.
+#pragma once
+
+#include "tavrin/image_header.h"
+
+// The result item of a command (log name CopyNewHEader): a new item directly behind `source`
+// with a copy of its header and fresh, zeroed pixels of the same size (nx * ny codes for an
+// image, nx samples of each plane for a spectrum). SavedDate and SavedTime are stamped with the
+// clock; the created stamp stays the source's. The complex FFT block and the attached spectra
+// describe the source's pixels and stay with the source; a mapping set is shared. A failed
+// allocation reports 32769 "Not enough memory" and leaves the list as it was; a null source,
+// one that is not on the list, or one of no size reports "CopyNewHEader". Answers the item or
+// null. The new item is not made current.
+ImageHeaderType* DuplicateForResult(const ImageHeaderType* source);
+
+// A new item behind `after` (the head when null) with a copy of the header of `source` and
+// its pixels and blocks: the new item takes over the blocks, and the caller then drops the
+// source's record with FreeHeader, which frees neither. So a record read outside the list
+// enters it, and no two items ever own one block: a source that is itself on the list is
+// refused ("DuplicateFull"). Failure reports and leaves the list and the source as they were.
+ImageHeaderType* DuplicateFull(ImageHeaderType* source, ImageHeaderType* after);
