@@ -1,0 +1,20 @@
+#include "files/mapping_entry_sources.h"
+
+namespace {
+
+MappingEntryWalker g_walker = nullptr;
+
+} // namespace
+
+MappingEntryWalker SetMappingEntryWalker(MappingEntryWalker walker)
+{
+    MappingEntryWalker previous = g_walker;
+    g_walker = walker;
+    return previous;
+}
+
+void ForEachMappingSourceWord(ImageHeaderType* record, MappingSourceVisitor visit, void* context)
+{
+    if (!record || !visit || !g_walker || !record->CITSHeader || !record->CITSHeaderPtr) return;
+    g_walker(record, visit, context);
+}
