@@ -11,6 +11,7 @@
 #include "platform/files.h"
 #include "platform/locale.h"
 #include "platform/platform_table.h"
+#include "settings/cantilever.h"
 #include "store/data_list.h"
 #include "store/memory.h"
 
@@ -30,5 +31,6 @@ void ResetProcessState()
     SetLocaleNameForTests(nullptr);
     SetFileWriteLimitForTests(-1);
     SetFileReadFailureForTests(false);
+    ResetCantileverState();
     ResetColourState();
 }

@@ -4,6 +4,7 @@
 #include "host/errors.h"
 #include "host/log.h"
 #include "host/revision.h"
+#include "settings/cantilever.h"
 #include "settings/user_settings.h"
 
 #include <cstdio>
@@ -16,6 +17,7 @@ void StoreConfiguration()
     SaveSettingString("Revision", kProcessingRevision);
     SaveSettingString("Sub-Revision", sub);
     StoreColourTableSettings();
+    StoreCantileverSettings();
     Log("Store software configuration on disk\n");
 }
 
@@ -32,6 +34,7 @@ void RetrieveConfiguration()
         return;
     }
     RetrieveColourTableSettings();
+    RetrieveCantileverSettings();
     LoadSelectedColourTable();
     Log("Retrieve software configuration from disk\n");
 }
