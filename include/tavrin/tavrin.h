@@ -7,6 +7,7 @@
 #include "tavrin/ap_callbacks.h"
 #include "tavrin/platform.h"
 #include "tavrin/dl_host.h"
+#include "tavrin/dl_units.h"
 #include "tavrin/dl_calibration.h"
 #include "tavrin/dl_colour.h"
 #include "tavrin/dl_data_list.h"
