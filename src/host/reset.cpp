@@ -1,4 +1,5 @@
 #include "host/reset.h"
+#include "files/tiff_read.h"
 #include "display/colour_startup.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
@@ -31,6 +32,7 @@ void ResetProcessState()
     SetLocaleNameForTests(nullptr);
     SetFileWriteLimitForTests(-1);
     SetFileReadFailureForTests(false);
+    ResetTiffFileState();
     ResetCantileverState();
     ResetColourState();
 }
