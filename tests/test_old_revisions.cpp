@@ -1740,3 +1740,66 @@ TEST_F(OldRevisionTest, ItemClassAndDataSourceTablesOfEveryCode)
         EXPECT_EQ(Upgraded(in, false).r()->DataSource, 1u) << int(t);
     }
 }
+
+// ---- Sub-revision boundaries -------------------------------------------------------------------
+
+TEST_F(OldRevisionTest, DisplayBlockPartsStopAtTheirSubRevisions)
+{
+    // The parts whose effect outlasts the final reset of the 3-D block: the 20 bytes at 2134
+    // (below 2), the 6 bytes at 2734 (below 18), the profile words (below 23), the old source
+    // and data words (below 24) and the byte at 2160 (below 25).
+    for (int32_t sub : {1, 2, 17, 18, 22, 23, 24, 25}) {
+        Rec in = OldRecord(406, sub, 256, 0);
+        in.Set<int16_t>(at::ScanRevNo, 5);
+        in.Set<int16_t>(2102, 7);
+        in.Set<int16_t>(2158, 7);
+        in.b[2160] = 9;
+        in.Set<uint32_t>(at::AdcSrc, 2048);
+        Rec out = Upgraded(in, false);
+        Want want(in, false);
+        want.DisplayBlocks(std::nullopt, 4);
+        want.SourceBits(sub < 24 ? 8 : 0x1000, sub < 24 ? 8 : 0x40000);
+        want.FromSpectraAndRoutes(152);
+        EXPECT_TRUE(SameStoredBytes(out, want.e)) << sub;
+        EXPECT_EQ(out.b[2134] == 0 && out.b[2153] == 0, sub < 2) << sub;
+        EXPECT_EQ(out.r()->ScanRevNo, sub < 18 ? 0 : 5) << sub;
+        EXPECT_EQ(out.Get<int16_t>(2102), sub < 23 ? 1 : 7) << sub;
+        EXPECT_EQ(out.Get<int16_t>(2158), sub < 23 ? 1 : 7) << sub;
+        EXPECT_EQ(out.r()->AdcSrc, sub < 24 ? 8u : 0x40000u) << sub;   // old source 4, or 2048 kept
+        EXPECT_EQ(out.r()->DataType, sub < 24 ? 8u : 0x1000u) << sub;
+        EXPECT_EQ(out.b[2160], sub < 25 ? 1 : 9) << sub;
+    }
+}
+
+TEST_F(OldRevisionTest, BlockMovePartsStopAtTheirSubRevisions)
+{
+    for (int32_t sub : {9, 10, 20, 21, 36, 37}) {
+        Rec in = Revision520(sub);
+        in.Set<uint32_t>(2480, 0x55);
+        in.b[at::LMCThreshold1On] = 1;
+        Rec out = Upgraded(in, false);
+        Want want(in, false);
+        want.BlockMoves();
+        want.Oscillator(152);
+        want.FromCurveFit();
+        EXPECT_TRUE(SameStoredBytes(out, want.e)) << sub;
+        EXPECT_EQ(out.Get<uint32_t>(2480), sub < 10 ? 1u : 0x55u) << sub;
+        if (sub < 37) {
+            EXPECT_EQ(out.r()->TempTarget, 55.5f) << sub;
+        } else {
+            EXPECT_EQ(out.Get<float>(2938), in.Get<float>(2938)) << sub;
+        }
+        EXPECT_EQ(out.r()->LMCThreshold1On, sub < 21 ? 0 : 1) << sub;
+        EXPECT_EQ(out.r()->LMCMode, sub < 21 ? 0u : sub < 37 ? 8u : in.Get<uint32_t>(at::LMCMode)) << sub;
+    }
+}
+
+TEST_F(OldRevisionTest, MappingDisplayWordsOfRevision700StopAtSubRevision7)
+{
+    for (int32_t sub : {6, 7}) {
+        Rec in = OldRecord(700, sub, 256, 0);
+        Rec out = Upgraded(in, false);
+        EXPECT_EQ(out.r()->CITSDisplayOption, sub < 7 ? 0 : in.Get<uint16_t>(at::CITSDisplayOption)) << sub;
+        EXPECT_EQ(out.r()->Reserved3332, sub < 7 ? 0u : in.Get<uint32_t>(at::Reserved3332)) << sub;
+    }
+}
