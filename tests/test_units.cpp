@@ -742,6 +742,7 @@ TEST_F(UnitsTest, TwistForceChannelIsLabelledNanonewton)
     r->DataSource = 4;
     SetTwistFields(r.get(), 1.0, 1.0, 1.0, 1.0);
     EXPECT_STREQ(GetImageUnitStr(r.get(), 0, 0), "nN");
+    EXPECT_STREQ(GetImageUnitStr(r.get(), 3, 0), "nN");   // a fixed text, like "au" and "Pa"
     r->TwistForceCalib = 0;
     EXPECT_STREQ(GetImageUnitStr(r.get(), 0, 0), "V");
 }
