@@ -589,3 +589,16 @@ TEST_F(TiffReadTest, StoredBlockFlagsOfAnOldReaderWithoutTheirBlocksAreCleared)
     EXPECT_EQ(CurrentItem->SPSRefData, 0u);
     EXPECT_EQ(CurrentItem->SPSRefDataPtr, nullptr);
 }
+
+TEST_F(TiffReadTest, ARecordThatIsNotOfTheImageClassIsAnInvalidHeader)
+{
+    // Pixels under a spectrum class (2) or under no class (6, 0) would be taken for samples.
+    const std::string f = SavedFile("cls.tif");
+    for (uint32_t type : {2u, 6u, 0u}) {
+        host.ClearCalls();
+        std::string bad = f;
+        PutAt<uint32_t>(bad, 10 + 1998, type);
+        WriteFileBytes(Path("cls2.tif"), bad);
+        ExpectRefused(Path("cls2.tif"), "Invalid header");
+    }
+}

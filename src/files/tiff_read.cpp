@@ -179,6 +179,12 @@ bool ReadImage(FileHandle file, ImageHeaderType* scratch, bool headerOnly)
     if (!(old ? ReadPixelsUptoVer103(file, scratch) : ReadPixelsVer104Later(file, scratch))) return false;
     if (!headerOnly && !ReadBlocksBehindPixels(file, scratch, old)) return false;
     UpdateOldImageHeader(scratch, 0);
+    // What an image file brings into the list is an image: pixels under any other class
+    // would be taken for samples.
+    if (scratch->ImType1 != IMTYPE_IMAGE) {
+        Error(ERR_INVALID_HEADER);
+        return false;
+    }
     MatchBlockFlagsToBlocks(scratch);
     return true;
 }
