@@ -1,0 +1,122 @@
+// Shared parts of the image file fuzz targets: a fresh library state, a scratch file for each
+// input, and seed files made by the writer of this library.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <unistd.h>
+
+#include "files/tiff_write.h"
+#include "host/reset.h"
+#include "store/data_list.h"
+#include "store/image_header.h"
+#include "store/memory.h"
+
+// Every target defines this: it writes its seed files into `directory`.
+extern "C" void TavrinFuzzSeeds(const char* directory);
+
+namespace fuzzsupport {
+
+// One private directory of this process for the input files; the log stays off (no file
+// name), message boxes answer their default button.
+inline const std::string& WorkDirectory()
+{
+    static const std::string dir = [] {
+        char pattern[] = "/tmp/tavrin-fuzz-XXXXXX";
+        const char* made = mkdtemp(pattern);
+        std::string d = made ? made : "/tmp";
+        setenv("TAVRIN_HOME", (d + "/").c_str(), 1);
+        setenv("TAVRIN_DATA", (d + "/").c_str(), 1);
+        return d;
+    }();
+    return dir;
+}
+
+inline std::string WriteInput(const uint8_t* data, size_t size)
+{
+    const std::string path = WorkDirectory() + "/input.tif";
+    FILE* f = std::fopen(path.c_str(), "wb");
+    if (!f) std::abort();
+    if (size && std::fwrite(data, 1, size, f) != size) std::abort();
+    std::fclose(f);
+    return path;
+}
+
+inline void Check(bool condition, const char* what)
+{
+    if (!condition) {
+        std::fprintf(stderr, "fuzz check failed: %s\n", what);
+        std::abort();
+    }
+}
+
+// An n by n image in the data list with varied codes.
+inline ImageHeaderType* SeedImage(int n, uint32_t seed)
+{
+    ImageHeaderType* item = AllocateListItem(CurrentItem);
+    if (!item) return nullptr;
+    InitImageHeader(item, n, n);
+    std::snprintf(item->Title, sizeof item->Title, "Seed %u", static_cast<unsigned>(seed));
+    MemHandleType pair;
+    if (!AllocateMem(static_cast<size_t>(n) * n, 2, &pair)) return nullptr;
+    item->PixHandle = pair.Handle;
+    item->PixData = static_cast<uint16_t*>(pair.Ptr);
+    for (int i = 0; i < n * n; ++i) item->PixData[i] = static_cast<uint16_t>(i * 2654435761u + seed);
+    CurrentItem = item;
+    return item;
+}
+
+inline void WriteBytes(const std::string& path, const std::string& bytes)
+{
+    FILE* f = std::fopen(path.c_str(), "wb");
+    if (!f) return;
+    std::fwrite(bytes.data(), 1, bytes.size(), f);
+    std::fclose(f);
+}
+
+// A plain old-layout file: the first `headerBytes` of a record, then `body`.
+inline std::string PlainFile(int n, int revNo, int compression, int bits, size_t headerBytes, const std::string& body)
+{
+    ImageHeaderType record;
+    std::memset(&record, 0, sizeof record);
+    InitImageHeader(&record, n, n);
+    record.RevNo = static_cast<int16_t>(revNo);
+    record.Compression = static_cast<int8_t>(compression);
+    record.BitsPerPixel = static_cast<int8_t>(bits);
+    return std::string(reinterpret_cast<const char*>(&record), headerBytes) + body;
+}
+
+// Seeds: 16-bit and 8-bit palette files of our writer, one with an FFT block, and plain files
+// with delta rows (both shift rules), bilevel pixels and a short old header.
+inline void WriteSeeds(const char* directory)
+{
+    ResetProcessState();
+    const std::string dir = directory;
+    ImageHeaderType* a = SeedImage(16, 1);
+    if (a) {
+        saveTiffImage(a, (dir + "/seed_16bit.tif").c_str(), 0);
+        saveTiffImage(a, (dir + "/seed_8bit.tif").c_str(), 1);
+        MemHandleType fft;
+        if (AllocateMem(16 * 16, 8, &fft)) {
+            for (int i = 0; i < 512; ++i) static_cast<float*>(fft.Ptr)[i] = static_cast<float>(i) * 0.5f;
+            SetFFTBlock(a, static_cast<float*>(fft.Ptr));
+            saveTiffImage(a, (dir + "/seed_fft.tif").c_str(), 0);
+        }
+    }
+    std::string rows;
+    for (int r = 0; r < 16; ++r) {
+        rows += static_cast<char>(r);
+        rows += std::string("\x9F\x07\x0A\xB9\x80\xC3\x99\x90\x99\x99\x90", 11);   // steps and literals
+    }
+    WriteBytes(dir + "/seed_delta700.img", PlainFile(16, 700, 9, 16, TAVRIN_HEADER_STORED_BYTES, rows));
+    WriteBytes(dir + "/seed_delta103.img", PlainFile(16, 103, 1, 0, 902, rows));
+    WriteBytes(dir + "/seed_bilevel.img", PlainFile(16, 700, 16, 16, TAVRIN_HEADER_STORED_BYTES, std::string(32, '\x5A')));
+    WriteBytes(dir + "/seed_rev303.img", PlainFile(16, 303, 0, 16, 902, std::string(512, '\x33')));
+    ResetProcessState();
+}
+
+} // namespace fuzzsupport
