@@ -19,9 +19,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     fuzzsupport::Check(scratch != nullptr, "scratch record");
     const int accepted = loadImageHeader(file, scratch);
     if (accepted) {
-        // An accepted header is a valid image header, positioned at or behind the record.
+        // An accepted header is a valid image header, and the file stands at the pixels: for a
+        // TIFF file at directory offset + IfdReserve, for a plain file behind the bytes its
+        // revision stored.
         fuzzsupport::Check(CheckValidImageHeader(scratch) == 1, "accepted header is valid");
-        fuzzsupport::Check(FileSeek(file, 0, FileOrigin::Current) >= 902, "positioned behind the header");
+        fuzzsupport::Check(size >= 10, "ten bytes were there");
+        uint32_t offset;
+        uint16_t reserve;
+        std::memcpy(&offset, data + 4, 4);
+        std::memcpy(&reserve, data + 8, 2);
+        const long long expected = IsTiffSignature(data) ? static_cast<long long>(offset) + reserve
+                                                         : static_cast<long long>(StoredHeaderBytes(scratch->RevNo));
+        fuzzsupport::Check(FileSeek(file, 0, FileOrigin::Current) == expected, "positioned at the pixels");
     }
     FileClose(file);
     FreeHeader(scratch);

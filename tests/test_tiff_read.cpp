@@ -9,6 +9,7 @@
 #include "host/log.h"
 #include "host/text.h"
 #include "platform/files.h"
+#include "store/data_list_display.h"
 
 #include <dirent.h>
 #include <filesystem>
@@ -601,4 +602,26 @@ TEST_F(TiffReadTest, ARecordThatIsNotOfTheImageClassIsAnInvalidHeader)
         WriteFileBytes(Path("cls2.tif"), bad);
         ExpectRefused(Path("cls2.tif"), "Invalid header");
     }
+}
+
+TEST_F(TiffReadTest, UnlessQuietTheNewItemIsShownThroughTheOneDisplayCall)
+{
+    SavedFile("show.tif");
+    const int before = DisplayRequests().shown;
+    ASSERT_EQ(LoadImageFile(Path("show.tif").c_str(), 0, 1, 1), 0);
+    EXPECT_EQ(DisplayRequests().shown, before);
+    ASSERT_EQ(LoadImageFile(Path("show.tif").c_str(), 0, 1, 0), 0);
+    EXPECT_EQ(DisplayRequests().shown, before + 1);
+    EXPECT_EQ(DisplayRequests().lastShown, CurrentItem);
+}
+
+TEST_F(TiffReadTest, AnItemOfAnotherDisplayModeIsNotShown)
+{
+    std::string f = SavedFile("dm5.tif");
+    PutAt<uint32_t>(f, 10 + 2006, 5);
+    WriteFileBytes(Path("dm5b.tif"), f);
+    const int before = DisplayRequests().shown;
+    ASSERT_EQ(LoadImageFile(Path("dm5b.tif").c_str(), 0, 1, 0), 0);
+    EXPECT_EQ(DisplayRequests().shown, before);
+    EXPECT_TRUE(Contains(ReadLog(), "loadmiage DisplayMode=5"));
 }
