@@ -625,3 +625,17 @@ TEST_F(TiffReadTest, AnItemOfAnotherDisplayModeIsNotShown)
     EXPECT_EQ(DisplayRequests().shown, before);
     EXPECT_TRUE(Contains(ReadLog(), "loadmiage DisplayMode=5"));
 }
+
+TEST_F(TiffReadTest, AFailedFFTBlockAllocationIsNotEnoughMemoryForImageAndNothingStays)
+{
+    ImageHeaderType* image = MakeImage(16);
+    MemHandleType fft;
+    ASSERT_TRUE(AllocateMem(16 * 16, 8, &fft));
+    std::memset(fft.Ptr, 0, 2048);
+    SetFFTBlock(image, static_cast<float*>(fft.Ptr));
+    ASSERT_EQ(saveTiffImage(image, Path("fa.tif").c_str(), 0), 0);
+    host.ClearCalls();
+    // Scratch record and pixel block succeed; the FFT block fails.
+    FailAllocationsForTests(1, 2);
+    ExpectRefused(Path("fa.tif"), "Not enough memory for image");
+}
