@@ -1,0 +1,43 @@
+// Python's zlib and PIL as the independent decoders of what the PNG writer produces: a
+// fixture that gives each test a temporary directory of its own with the decoder script.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+using Bytes = std::vector<uint8_t>;
+
+Bytes ReadFile(const std::filesystem::path& path);
+void WriteFile(const std::filesystem::path& path, const Bytes& bytes);
+
+class PngDecoderTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Runs the decoder over a file and answers what it wrote; fails the test when Python
+    // reports an error. Kinds: "zlib" and "deflate" inflate a stream; "idat" checks the CRC
+    // of every chunk of a PNG file and inflates its image data (filter bytes included);
+    // "png" checks the CRCs and lets PIL decode the picture (see DecodePng).
+    Bytes Decode(const std::string& kind, const std::filesystem::path& file);
+
+    // Writes a stream to a file and inflates it.
+    Bytes Inflate(const std::string& kind, const Bytes& stream);
+
+    // A PNG file as PIL reads it: mode ("RGB", "RGBA", "P"), size, pixel bytes and, for a
+    // palette image, the palette.
+    struct Decoded {
+        std::string mode;
+        int32_t width = 0;
+        int32_t height = 0;
+        Bytes pixels;
+        Bytes palette;
+    };
+    Decoded DecodePng(const std::filesystem::path& file, size_t bytesPerPixel);
+
+    std::filesystem::path dir;
+};
