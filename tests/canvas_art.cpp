@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace canvas_check {
+
 COLORREF CanvasColourAt(const TvCanvas* canvas, int32_t x, int32_t y)
 {
     if (canvas == nullptr || x < 0 || y < 0 || x >= canvas->width || y >= canvas->height) return CLR_INVALID;
@@ -54,3 +56,5 @@ int64_t CanvasCount(const TvCanvas* canvas, COLORREF colour)
     return std::count_if(canvas->pixels.begin(), canvas->pixels.end(),
                          [colour](uint32_t p) { return (p & 0xFFFFFFu) == (colour & 0xFFFFFFu); });
 }
+
+} // namespace canvas_check

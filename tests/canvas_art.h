@@ -10,6 +10,8 @@
 
 #include "platform/canvas.h"
 
+namespace canvas_check {
+
 constexpr COLORREF kArtWhite = 0xFFFFFF;
 constexpr COLORREF kArtBlack = 0x000000;
 constexpr COLORREF kArtRed = 0x0000FF;
@@ -92,3 +94,5 @@ inline std::string ShowRect(const RECT& r)
     return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
            std::to_string(r.bottom);
 }
+
+} // namespace canvas_check

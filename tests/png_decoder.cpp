@@ -10,6 +10,8 @@
 
 namespace fs = std::filesystem;
 
+namespace png_check {
+
 namespace {
 
 // The script: "png" writes "mode width height", a newline, the pixel bytes and, for a
@@ -118,3 +120,5 @@ PngDecoderTest::Decoded PngDecoderTest::DecodePng(const fs::path& file, size_t b
     d.palette.assign(all.begin() + static_cast<ptrdiff_t>(start + count), all.end());
     return d;
 }
+
+} // namespace png_check

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace png_check {
+
 using Bytes = std::vector<uint8_t>;
 
 Bytes ReadFile(const std::filesystem::path& path);
@@ -41,3 +43,5 @@ protected:
 
     std::filesystem::path dir;
 };
+
+} // namespace png_check

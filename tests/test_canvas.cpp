@@ -11,6 +11,8 @@
 
 namespace {
 
+using namespace canvas_check;
+
 using CanvasTest = CanvasFixture;
 
 // ---- The host's interface ----

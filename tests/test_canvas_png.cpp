@@ -9,6 +9,8 @@
 
 namespace {
 
+using namespace png_check;
+
 namespace fs = std::filesystem;
 using CanvasPngTest = PngDecoderTest;
 

@@ -10,6 +10,8 @@
 
 namespace {
 
+using namespace canvas_check;
+
 using CanvasTextTest = CanvasFixture;
 
 SIZE Extent(const DrawContext* dc, const char* text)

@@ -16,6 +16,8 @@
 
 namespace {
 
+using namespace png_check;
+
 namespace fs = std::filesystem;
 using PngTest = PngDecoderTest;
 

@@ -31,9 +31,9 @@
 // micro sign 0xB5 have glyphs; every other byte is drawn as a hollow box of digit width, as
 // the desktop platform shows a character that its font lacks.
 //
-// Decorations. Underline takes the row after the baseline (the last row for a one-row
-// descent), strike-out the row half an x-height above the baseline; both are one master pixel
-// thick and run across the whole advance. Italic text is drawn upright.
+// Decorations. Underline takes the row under the baseline, strike-out the row half an
+// x-height above it; both are one master pixel thick and run across the whole advance.
+// Italic text is drawn upright.
 #pragma once
 
 #include <cstddef>
