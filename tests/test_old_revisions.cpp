@@ -8,6 +8,8 @@
 #include "support/test_host.h"
 #include "files/mapping_entry_sources.h"
 #include "files/old_revisions.h"
+#include "files/tiff_read.h"
+#include "store/data_list.h"
 #include "store/image_header.h"
 #include "store/memory.h"
 
@@ -1802,4 +1804,239 @@ TEST_F(OldRevisionTest, MappingDisplayWordsOfRevision700StopAtSubRevision7)
         EXPECT_EQ(out.r()->CITSDisplayOption, sub < 7 ? 0 : in.Get<uint16_t>(at::CITSDisplayOption)) << sub;
         EXPECT_EQ(out.r()->Reserved3332, sub < 7 ? 0u : in.Get<uint32_t>(at::Reserved3332)) << sub;
     }
+}
+
+// ---- Old plain files loaded through the image file reader -----------------------------------
+
+namespace {
+
+constexpr int kSide = 16;
+
+// Delta rows as the old packing wrote them: per row the first value as a byte, then 4-bit
+// symbols, high nibble first: 1 to 15 add (symbol - 8) to the value; 0 starts a literal whose
+// 8 bits follow in the next two nibbles (0 in a high nibble) or in the next whole byte (0 in a
+// low nibble). A code is its value shifted left by the shift of the file.
+struct DeltaStream {
+    std::string bytes;
+    int highLiterals = 0;
+    int lowLiterals = 0;
+};
+
+void EncodeDeltaRow(const std::vector<int>& values, DeltaStream& out)
+{
+    out.bytes.push_back(static_cast<char>(values[0]));
+    bool high = true;
+    auto put = [&](int nibble) {
+        if (high)
+            out.bytes.push_back(static_cast<char>(nibble << 4));
+        else
+            out.bytes.back() = static_cast<char>(static_cast<uint8_t>(out.bytes.back()) | nibble);
+        high = !high;
+    };
+    for (size_t i = 1; i < values.size(); ++i) {
+        const int diff = values[i] - values[i - 1];
+        if (diff >= -7 && diff <= 7) {
+            put(diff + 8);
+        } else if (high) {
+            put(0);
+            put(values[i] >> 4);
+            put(values[i] & 15);
+            ++out.highLiterals;
+        } else {
+            put(0);
+            out.bytes.push_back(static_cast<char>(values[i]));
+            ++out.lowLiterals;
+        }
+    }
+}
+
+// A row with small steps and jumps, whose literals fall in both nibble positions.
+const std::vector<int> kHandRow = {5, 6, 100, 98, 97, 20, 27, 27, 255, 248, 249, 0, 3, 3, 10, 2};
+// The same row packed by hand, byte by byte.
+const std::vector<uint8_t> kHandRowBytes = {0x05, 0x90, 0x64, 0x67, 0x01, 0x4F, 0x80,
+                                            0xFF, 0x19, 0x00, 0x0B, 0x8F, 0x00, 0x20};
+
+// The values of a delta-packed test image: row 0 is the hand row, the others mix steps of
+// -7 to 7 with jumps.
+std::vector<std::vector<int>> DeltaImageValues()
+{
+    std::vector<std::vector<int>> rows{kHandRow};
+    for (int y = 1; y < kSide; ++y) {
+        std::vector<int> row;
+        for (int x = 0; x < kSide; ++x) row.push_back(x % 5 == 4 ? (y * 53 + x * 31) & 0xFF : (y * 9 + x * 3) & 0xFF);
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+// A zeroed old record: an image of type 0 (topography), 16 by 16, with its packing.
+Rec PlainOldRecord(int16_t rev, int8_t compression, int8_t bitsPerPixel)
+{
+    Rec rec;
+    rec.Set<int16_t>(at::RevNo, rev);
+    rec.Set<int16_t>(at::nx, kSide);
+    rec.Set<int16_t>(at::ny, kSide);
+    rec.b[700] = static_cast<uint8_t>(compression);
+    rec.b[at::BitsPerPixel] = static_cast<uint8_t>(bitsPerPixel);
+    rec.Set<float>(at::ImageSizeX, 1000.0f);
+    rec.Set<float>(at::ImageSizeY, 1000.0f);
+    rec.Set<float>(at::Zhi, 50.0f);
+    return rec;
+}
+
+// Header bytes a plain file of the revision holds.
+size_t StoredBy(int rev) { return rev <= 303 ? 902 : rev <= 404 ? 1872 : 6090; }
+
+} // namespace
+
+class OldRevisionFileTest : public OldRevisionTest {
+protected:
+    // Writes the file, loads it quietly and answers the new current item (null on failure).
+    ImageHeaderType* Load(const Rec& header, const std::string& pixels, const std::string& name)
+    {
+        const int rev = header.Get<int16_t>(at::RevNo);
+        path_ = Path(name);
+        WriteFileBytes(path_, std::string(reinterpret_cast<const char*>(header.b), StoredBy(rev)) + pixels);
+        blocksBefore_ = LiveBlockCount();
+        if (LoadImageFile(path_.c_str(), 0, 1, 1) != 0) return nullptr;
+        return CurrentItem;
+    }
+    // The item is a current image of 16 by 16 at 700/42 named by its path; erasing it frees
+    // every block the load took.
+    void ExpectUpgradedImageAndErase(ImageHeaderType* item)
+    {
+        ASSERT_NE(item, nullptr);
+        EXPECT_EQ(item->nx, kSide);
+        EXPECT_EQ(item->ny, kSide);
+        EXPECT_EQ(item->RevNo, 700);
+        EXPECT_EQ(item->SubRevNo, 42);
+        EXPECT_EQ(item->ImType1, 1u);
+        EXPECT_EQ(item->DisplayMode, 1u);
+        EXPECT_STREQ(item->FileName, path_.c_str());
+        EXPECT_EQ(Logged("Load " + path_), 1);
+        EraseItem(item);
+        EXPECT_EQ(LiveBlockCount(), blocksBefore_);
+    }
+    std::string path_;
+    size_t blocksBefore_ = 0;
+};
+
+TEST_F(OldRevisionFileTest, DeltaEncoderOfTheTestsPacksTheHandRowByteForByte)
+{
+    DeltaStream stream;
+    EncodeDeltaRow(kHandRow, stream);
+    EXPECT_EQ(stream.bytes, std::string(kHandRowBytes.begin(), kHandRowBytes.end()));
+    EXPECT_EQ(stream.highLiterals, 3);   // 20, 0 and 2
+    EXPECT_EQ(stream.lowLiterals, 2);    // 100 and 255
+}
+
+TEST_F(OldRevisionFileTest, Revision0FileOf8BitPixelsLoads)
+{
+    Rec header = PlainOldRecord(0, 0, 0);
+    std::string pixels;
+    for (int i = 0; i < kSide * kSide; ++i) pixels.push_back(static_cast<char>((i * 37 + 11) & 0xFF));
+    ImageHeaderType* item = Load(header, pixels, "rev0.img");
+    ASSERT_NE(item, nullptr);
+    for (int i = 0; i < kSide * kSide; ++i) ASSERT_EQ(item->PixData[i], ((i * 37 + 11) & 0xFF) << 8) << i;
+    EXPECT_EQ(item->ImageSizeX, 100.0f);   // Angstrom to nm
+    EXPECT_EQ(item->ImageLUT[17], 17);
+    EXPECT_EQ(item->DataSource, 1u);
+    EXPECT_EQ(item->BitsPerPixel, 16);   // set by the upgrade up to revision 103
+    ExpectUpgradedImageAndErase(item);
+}
+
+TEST_F(OldRevisionFileTest, Revision100FileOfDeltaRowsWithTheOldShiftLoads)
+{
+    // Compression 1 up to revision 103: shift 1 + 7 = 8.
+    Rec header = PlainOldRecord(100, 1, 8);
+    const auto values = DeltaImageValues();
+    DeltaStream stream;
+    for (const auto& row : values) EncodeDeltaRow(row, stream);
+    ASSERT_GT(stream.highLiterals, 0);
+    ASSERT_GT(stream.lowLiterals, 0);
+    ImageHeaderType* item = Load(header, stream.bytes, "rev100.img");
+    ASSERT_NE(item, nullptr);
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 0; x < kSide; ++x)
+            ASSERT_EQ(item->PixData[y * kSide + x], values[y][x] << 8) << x << "," << y;
+    EXPECT_EQ(item->BitsPerPixel, 16);   // set by the upgrade up to revision 103
+    ExpectUpgradedImageAndErase(item);
+}
+
+TEST_F(OldRevisionFileTest, Revision103FileOf8BitPixelsKeepsItsDisplayTable)
+{
+    Rec header = PlainOldRecord(103, 0, 8);
+    for (int i = 0; i < 256; ++i) header.b[at::ImageLUT + i] = static_cast<uint8_t>(255 - i);
+    std::string pixels;
+    for (int i = 0; i < kSide * kSide; ++i) pixels.push_back(static_cast<char>(255 - i));
+    ImageHeaderType* item = Load(header, pixels, "rev103.img");
+    ASSERT_NE(item, nullptr);
+    for (int i = 0; i < kSide * kSide; ++i) ASSERT_EQ(item->PixData[i], (255 - i) << 8) << i;
+    EXPECT_EQ(item->ImageLUT[0], 255);
+    EXPECT_EQ(item->BitsPerPixel, 16);   // set by the upgrade up to revision 103
+    ExpectUpgradedImageAndErase(item);
+}
+
+TEST_F(OldRevisionFileTest, Revision104FileOfDeltaRowsWithTheNewShiftLoads)
+{
+    // Compression 9 from revision 104 on: shift 9 - 1 = 8.
+    Rec header = PlainOldRecord(104, 9, 16);
+    const auto values = DeltaImageValues();
+    DeltaStream stream;
+    for (const auto& row : values) EncodeDeltaRow(row, stream);
+    ImageHeaderType* item = Load(header, stream.bytes, "rev104.img");
+    ASSERT_NE(item, nullptr);
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 0; x < kSide; ++x)
+            ASSERT_EQ(item->PixData[y * kSide + x], values[y][x] << 8) << x << "," << y;
+    ExpectUpgradedImageAndErase(item);
+}
+
+TEST_F(OldRevisionFileTest, Revision300FileOfBilevelPixelsLoads)
+{
+    Rec header = PlainOldRecord(300, 16, 16);
+    auto set = [](int i) { return (i % 3 == 0) || (i / kSide == 5); };
+    std::string bits((kSide * kSide + 7) / 8, '\0');
+    for (int i = 0; i < kSide * kSide; ++i)
+        if (set(i)) bits[i / 8] = static_cast<char>(static_cast<uint8_t>(bits[i / 8]) | (1 << (i % 8)));
+    ImageHeaderType* item = Load(header, bits, "rev300.img");
+    ASSERT_NE(item, nullptr);
+    for (int i = 0; i < kSide * kSide; ++i) ASSERT_EQ(item->PixData[i], set(i) ? 65535 : 0) << i;
+    EXPECT_EQ(item->BiasVoltage2, FLT_MAX);
+    ExpectUpgradedImageAndErase(item);
+}
+
+TEST_F(OldRevisionFileTest, Revision404FileOfDeltaRowsWithAShiftOf2Loads)
+{
+    // Compression 3 from revision 104 on: shift 2. Header of 1872 bytes.
+    Rec header = PlainOldRecord(404, 3, 16);
+    const auto values = DeltaImageValues();
+    DeltaStream stream;
+    for (const auto& row : values) EncodeDeltaRow(row, stream);
+    ImageHeaderType* item = Load(header, stream.bytes, "rev404.img");
+    ASSERT_NE(item, nullptr);
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 0; x < kSide; ++x)
+            ASSERT_EQ(item->PixData[y * kSide + x], values[y][x] << 2) << x << "," << y;
+    // The colour planes were cut at 1872 and come back as the default table.
+    Rec colours;
+    SetDefaultRecordColours(colours.r());
+    EXPECT_EQ(std::memcmp(item->LutRed, colours.b + at::LutRed, 768), 0);
+    ExpectUpgradedImageAndErase(item);
+}
+
+TEST_F(OldRevisionFileTest, Revision405FileOf8BitPixelsLoads)
+{
+    Rec header = PlainOldRecord(405, 0, 8);
+    header.Set<uint32_t>(at::ImType1, 1);
+    header.Set<uint32_t>(at::DataSource, 1);
+    header.Set<int32_t>(at::SubRevNo, 50);
+    std::string pixels;
+    for (int i = 0; i < kSide * kSide; ++i) pixels.push_back(static_cast<char>(i * 7));
+    ImageHeaderType* item = Load(header, pixels, "rev405.img");
+    ASSERT_NE(item, nullptr);
+    for (int i = 0; i < kSide * kSide; ++i) ASSERT_EQ(item->PixData[i], ((i * 7) & 0xFF) << 8) << i;
+    EXPECT_EQ(item->CreatedFileTime, FixedClockFileTime());
+    EXPECT_EQ(item->ImageSizeX, 1000.0f);   // no Angstrom step from 405
+    ExpectUpgradedImageAndErase(item);
 }
