@@ -705,7 +705,7 @@ TEST_F(OldRevisionTest, Revision0ImageRunsEveryStep)
 TEST_F(OldRevisionTest, Revision100SpectrumOfHeightsGivesTheTenthFactor)
 {
     Rec in = OldRecord(100, 0, 200, 0);
-    in.Text(at::OldFileName, "SPEC.DAT");
+    in.Text(at::OldFileName, "IVCURVE.DAT");
     in.b[at::OldDataKind] = 1;
     float divisor = 0;
     Rec out = Upgraded(in, true, &divisor);
@@ -732,7 +732,7 @@ TEST_F(OldRevisionTest, Revision100SpectrumOfHeightsGivesTheTenthFactor)
     EXPECT_EQ(r->OldImageType, 13);
     EXPECT_EQ(r->ImType1, 2u);
     EXPECT_EQ(r->DataSource, 1u);
-    EXPECT_STREQ(r->FileName, "SPEC.DAT");
+    EXPECT_STREQ(r->FileName, "IVCURVE.DAT");
     EXPECT_EQ(CheckHeaderIsSpecType(r), 1);
 }
 
