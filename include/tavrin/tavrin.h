@@ -6,6 +6,7 @@
 #include "tavrin/image_header.h"
 #include "tavrin/ap_callbacks.h"
 #include "tavrin/platform.h"
+#include "tavrin/canvas.h"
 #include "tavrin/dl_host.h"
 #include "tavrin/dl_units.h"
 #include "tavrin/dl_calibration.h"

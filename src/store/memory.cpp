@@ -64,7 +64,7 @@ void* emalloc(size_t bytes)
 
 void* ecalloc(size_t count, size_t size)
 {
-    size_t bytes;
+    size_t bytes = 0;
     if (MulOverflows(count, size, &bytes) || InjectedFailure()) return nullptr;
     void* block = std::calloc(bytes ? bytes : 1, 1);
     if (block) Track(block, bytes);
@@ -112,7 +112,7 @@ bool AllocateMemNoErr(size_t count, size_t size, MemHandleType* pair)
         return false;
     }
     *pair = MemHandleType{0, nullptr};
-    size_t bytes;
+    size_t bytes = 0;
     if (MulOverflows(count, size, &bytes)) return false;
     pair->Handle = 1;
     pair->Ptr = emalloc(bytes);
@@ -136,7 +136,7 @@ int FreeMem(uint32_t handle, void* ptr)
 bool ReallocateMemNoErr(size_t count, size_t size, MemHandleType* pair)
 {
     if (!pair) return false;
-    size_t bytes;
+    size_t bytes = 0;
     if (MulOverflows(count, size, &bytes)) return false;
     void* moved = erealloc(pair->Ptr, bytes);
     if (!moved) return false;
