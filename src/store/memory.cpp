@@ -7,13 +7,15 @@
 #include <cfloat>
 #include <cstdlib>
 #include <cstring>
-#include <map>
+#include <unordered_map>
 
 namespace {
 
-std::map<const void*, size_t>& Registry()
+// Live blocks by address. The key is the address as a number: the registry never reads the
+// blocks themselves.
+std::unordered_map<uintptr_t, size_t>& Registry()
 {
-    static std::map<const void*, size_t> registry;
+    static std::unordered_map<uintptr_t, size_t> registry;
     return registry;
 }
 
@@ -33,15 +35,15 @@ bool InjectedFailure()
     return true;
 }
 
-void Track(const void* block, size_t bytes)
+void Track(uintptr_t address, size_t bytes)
 {
-    Registry()[block] = bytes;
+    Registry()[address] = bytes;
     g_liveBytes += bytes;
 }
 
-void Untrack(const void* block)
+void Untrack(uintptr_t address)
 {
-    auto it = Registry().find(block);
+    auto it = Registry().find(address);
     if (it == Registry().end()) return;
     g_liveBytes -= it->second;
     Registry().erase(it);
@@ -58,7 +60,7 @@ void* emalloc(size_t bytes)
 {
     if (InjectedFailure()) return nullptr;
     void* block = std::malloc(bytes ? bytes : 1);
-    if (block) Track(block, bytes);
+    if (block) Track(reinterpret_cast<uintptr_t>(block), bytes);
     return block;
 }
 
@@ -67,7 +69,7 @@ void* ecalloc(size_t count, size_t size)
     size_t bytes = 0;
     if (MulOverflows(count, size, &bytes) || InjectedFailure()) return nullptr;
     void* block = std::calloc(bytes ? bytes : 1, 1);
-    if (block) Track(block, bytes);
+    if (block) Track(reinterpret_cast<uintptr_t>(block), bytes);
     return block;
 }
 
@@ -75,7 +77,7 @@ void* erealloc(void* block, size_t bytes)
 {
     if (!block) return emalloc(bytes);
     if (InjectedFailure()) return nullptr;
-    auto it = Registry().find(block);
+    auto it = Registry().find(reinterpret_cast<uintptr_t>(block));
     size_t oldBytes = it == Registry().end() ? 0 : it->second;
     void* moved = std::realloc(block, bytes ? bytes : 1);
     if (!moved) return nullptr;
@@ -84,21 +86,21 @@ void* erealloc(void* block, size_t bytes)
         Registry().erase(it);
         g_liveBytes -= oldBytes;
     }
-    Track(moved, bytes);
+    Track(reinterpret_cast<uintptr_t>(moved), bytes);
     return moved;
 }
 
 void efree(void* block)
 {
     if (!block) return;
-    Untrack(block);
+    Untrack(reinterpret_cast<uintptr_t>(block));
     std::free(block);
 }
 
 void efree_check(void* block)
 {
     if (!block) return;
-    if (Registry().find(block) == Registry().end()) {
+    if (Registry().find(reinterpret_cast<uintptr_t>(block)) == Registry().end()) {
         Log("efree_check: invalid pointer\n");
         return;
     }
@@ -243,7 +245,7 @@ long HeapWalk()
 void DumpHeap()
 {
     for (const auto& [block, bytes] : Registry())
-        Log("%6s block at %p of size %4.4X\n", "USED", block, static_cast<unsigned>(bytes));
+        Log("%6s block at %p of size %4.4X\n", "USED", reinterpret_cast<void*>(block), static_cast<unsigned>(bytes));
     Log(Registry().empty() ? "OK enpty heap\n" : "OK - heap end\n");
 }
 
