@@ -12,5 +12,6 @@
 #include "tavrin/dl_calibration.h"
 #include "tavrin/dl_colour.h"
 #include "tavrin/dl_data_list.h"
+#include "tavrin/dl_settings.h"
 
 #endif

@@ -4,6 +4,7 @@
 #include "host/errors.h"
 #include "host/log.h"
 #include "host/revision.h"
+#include "host/wait.h"
 #include "settings/cantilever.h"
 #include "settings/user_settings.h"
 
@@ -37,4 +38,19 @@ void RetrieveConfiguration()
     RetrieveCantileverSettings();
     LoadSelectedColourTable();
     Log("Retrieve software configuration from disk\n");
+}
+
+void StoreConfigurationToDisk()
+{
+    ShowWait("Storing configuration in file");
+    StoreConfiguration();
+    HideWait();
+}
+
+void RetrieveConfigurationFromDisk()
+{
+    // The same wait text as the store: that is what the host has always shown here.
+    ShowWait("Storing configuration in file");
+    RetrieveConfiguration();
+    HideWait();
 }

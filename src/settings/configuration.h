@@ -5,3 +5,7 @@
 void StoreConfiguration();
 // Reads them back; a file without the revision keys is first written with the defaults.
 void RetrieveConfiguration();
+
+// The entry points' work: with the wait text "Storing configuration in file" shown.
+void StoreConfigurationToDisk();
+void RetrieveConfigurationFromDisk();
