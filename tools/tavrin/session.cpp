@@ -56,6 +56,7 @@ bool StartSession(const HostOptions& options)
     if (dl_Initialise(&table, &record) != 0) return false;
     g_session.started = true;
     dl_UserID((options.user.empty() ? SystemUser() : options.user).c_str());
+    dl_RetriveConfigurationFromDisk();
     return true;
 }
 
