@@ -13,5 +13,6 @@
 #include "tavrin/dl_colour.h"
 #include "tavrin/dl_data_list.h"
 #include "tavrin/dl_settings.h"
+#include "tavrin/dl_frame_store.h"
 
 #endif

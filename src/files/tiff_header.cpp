@@ -194,7 +194,7 @@ int WRITE_TIFF_HEADER(FileHandle file, ImageHeaderType* record)
 bool IsTiffSignature(const uint8_t first[10])
 {
     return Get<uint16_t>(first) == kByteOrder && Get<uint16_t>(first + 2) == kMagic &&
-           Get<uint16_t>(first + 8) < kLargestIfdReserve + 1;
+           Get<uint16_t>(first + 8) < kIfdReserveLimit;
 }
 
 bool IsAcceptedPlainRevision(int revNo)

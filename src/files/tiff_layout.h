@@ -27,7 +27,7 @@ constexpr size_t kValueAreaOffset = kNextIfdOffset + 4;                     // 6
 constexpr size_t kHeaderBytes = kIfdOffset + kIfdReserve;                   // 7124
 constexpr size_t kValueAreaBytes = kHeaderBytes - kValueAreaOffset;         // 814
 // The u16 at byte 8 must stay below this for the file to be taken as a TIFF file.
-constexpr uint16_t kLargestIfdReserve = 1024;
+constexpr uint16_t kIfdReserveLimit = 1025;
 // nSPSRefData in the file: the record's offset 2764 behind the 10 bytes of the signature.
 constexpr long long kSpectrumCountOffset = 2774;
 

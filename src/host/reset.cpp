@@ -1,6 +1,7 @@
 #include "host/reset.h"
 #include "files/tiff_read.h"
 #include "display/colour_startup.h"
+#include "display/vfs.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
 #include "host/globals.h"
@@ -19,6 +20,7 @@
 void ResetProcessState()
 {
     ResetDataListState();
+    ResetFrameStoreState();
     ResetMemoryState();
     ResetLogState();
     ResetErrorState();

@@ -1,5 +1,6 @@
 #include "host/startup.h"
 #include "display/colour_startup.h"
+#include "display/vfs.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
 #include "host/globals.h"
@@ -111,6 +112,7 @@ int Startup(const char* commandLine)
     ReadSwitches(commandLine);
     if (LogFileName().empty()) SetLogFileName(DefaultLogFileName());
     LogBanner(commandLine);
+    ResetFrameStoreState();   // the window frame-store state and the font state
     ResetErrorState();
     StartupColourTables();
     int result = CheckHeapManager();

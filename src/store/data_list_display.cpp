@@ -1,5 +1,11 @@
 #include "store/data_list_display.h"
+#include "display/contents_grid.h"
+#include "display/frame_commands.h"
+#include "display/placement.h"
+#include "display/vfs.h"
+#include "host/ap_callbacks.h"
 #include "store/data_list.h"
+#include "store/image_header.h"
 
 namespace {
 
@@ -11,36 +17,35 @@ const DisplayRequestCounts& DisplayRequests() { return g_requests; }
 
 void DisplayCurrentItem()
 {
-    // The frame stores draw CurrentItem here at the placement cursor; until they exist, a
-    // change of the current item is not drawn.
     ++g_requests.shown;
     g_requests.lastShown = CurrentItem;
+    if (!CurrentItem || !CurrentVFS) return;
+    // An image goes to the placement cursor of the current frame store. A spectrum is drawn by
+    // the plot window; until it exists a spectrum is not shown.
+    if (CheckHeaderIsImageType(CurrentItem)) DisplayImage(CurrentItem, 1, 1);
 }
 
 void ClearDisplay()
 {
-    // The frame stores clear the current frame and its parameter text here.
     ++g_requests.cleared;
+    if (CurrentVFS)
+        ClearFrameStore();
+    else
+        Ap.ap_ClearParamText();
 }
 
 void CloseFrameStoreCaches()
 {
-    // The frame stores close their cached pictures here.
+    // The frame stores keep no cached pictures of items: there is nothing to close.
     ++g_requests.cachesClosed;
 }
 
-void DropFrameStoreReferences(const ImageHeaderType*)
+void DropFrameStoreReferences(const ImageHeaderType* item)
 {
-    // The frame stores null the item in their working and saved contents grids here. With no
-    // frame store open no grid holds an item.
     ++g_requests.referencesDropped;
+    RemoveFromFS(item);
 }
 
-bool FrameStoreFilterAccepts(const ImageHeaderType*)
-{
-    // The frame stores answer whether the item passes the filter of their contents. With no
-    // frame store contents, no item passes.
-    return false;
-}
+bool FrameStoreFilterAccepts(const ImageHeaderType* item) { return HeldByCurrentFrameStore(item); }
 
 void ResetDisplayRequests() { g_requests = DisplayRequestCounts{}; }

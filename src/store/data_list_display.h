@@ -5,8 +5,8 @@
 
 #include "tavrin/image_header.h"
 
-// The frame stores arrive later; until then each request is only counted, so that the commands
-// of the list can show that they asked for it.
+// Each request is also counted, so that the commands of the list can show that they asked for
+// it whether or not a frame store is open.
 struct DisplayRequestCounts {
     int shown = 0;                              // DisplayCurrentItem
     const ImageHeaderType* lastShown = nullptr; // CurrentItem at the last DisplayCurrentItem
@@ -16,14 +16,16 @@ struct DisplayRequestCounts {
 };
 const DisplayRequestCounts& DisplayRequests();
 
-// Clears the current frame store and its parameter text (the caption of the shown item).
+// Clears the current frame store and its parameter text (the caption of the shown item); with
+// no frame store open, the parameter text only.
 void ClearDisplay();
 // Closes the frame store caches, whose pictures may show an item that is gone.
 void CloseFrameStoreCaches();
 // Removes every frame store reference to an item that is about to be freed, so that no
 // contents grid keeps a dangling pointer.
 void DropFrameStoreReferences(const ImageHeaderType* item);
-// Whether the frame store filter accepts the item (selection mode 64).
+// Whether the frame store filter accepts the item (selection mode 64): a cell of the current
+// frame store's contents grid holds it.
 bool FrameStoreFilterAccepts(const ImageHeaderType* item);
 
 void ResetDisplayRequests();

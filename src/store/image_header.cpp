@@ -1,4 +1,5 @@
 #include "store/image_header.h"
+#include "display/contents_grid.h"
 #include "display/default_tables.h"
 #include "host/errors.h"
 #include "platform/clock.h"
@@ -268,6 +269,7 @@ void FreeHeader(ImageHeaderType* record)
         ProgramError("FreeHeader");
         return;
     }
+    RemoveFromFS(record);   // no contents grid keeps a pointer to a freed record
     FreeHitData(record);
     efree(record);
 }

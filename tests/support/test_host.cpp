@@ -1,4 +1,5 @@
 #include "support/test_host.h"
+#include "display/vfs.h"
 #include "host/reset.h"
 #include "platform/clock.h"
 
@@ -415,4 +416,58 @@ void WriteFileBytes(const std::string& path, const std::string& bytes)
 {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out << bytes;
+}
+
+TestFrameStore::~TestFrameStore()
+{
+    Close();
+    tv_canvas_destroy(window);
+}
+
+int TestFrameStore::Open(int16_t n, int clientWidth, int clientHeight)
+{
+    tv_canvas_destroy(window);
+    window = tv_canvas_create(clientWidth, clientHeight);
+    number = n;
+    uint8_t* buffers[2] = {frame.data(), rgb.data()};
+    const int result = dl_VFS_open_vfs(buffers, n, window);
+    open = result == 0;
+    return result;
+}
+
+void TestFrameStore::Close()
+{
+    // After a reset of the library the frame store is gone already.
+    if (open && FindVFS(number)) dl_VFS_close_vfs(number);
+    open = false;
+}
+
+uint8_t TestFrameStore::Index(int x, int y) const { return frame[static_cast<size_t>(511 - y) * 512 + x]; }
+
+uint32_t TestFrameStore::RGB(int x, int y) const
+{
+    const uint8_t* p = &rgb[(static_cast<size_t>(511 - y) * 512 + x) * 3];
+    return static_cast<uint32_t>(p[2]) | (static_cast<uint32_t>(p[1]) << 8) | (static_cast<uint32_t>(p[0]) << 16);
+}
+
+void TestFrameStore::Paint(const TestHost& host)
+{
+    uint32_t* pixels = tv_canvas_pixels(window);
+    const int width = tv_canvas_width(window), height = tv_canvas_height(window);
+    if (!pixels) return;
+    for (int y = 0; y < 512 && y < height; ++y) {
+        for (int x = 0; x < 512 && x < width; ++x) {
+            const uint8_t i = Index(x, y);
+            pixels[static_cast<size_t>(y) * width + x] = 0xff000000u | (host.palette[0][i] & 0xffu) |
+                                                         ((host.palette[1][i] & 0xffu) << 8) |
+                                                         ((host.palette[2][i] & 0xffu) << 16);
+        }
+    }
+    const TvRect dest{0, 0, 511, 511};
+    dl_RedrawVFS(&dest, nullptr, number);
+}
+
+uint32_t TestFrameStore::WindowPixel(int x, int y) const
+{
+    return tv_canvas_pixels(window)[static_cast<size_t>(y) * tv_canvas_width(window) + x] & 0x00ffffffu;
 }

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "tavrin/tavrin.h"
+#include "tavrin/canvas.h"
 
 struct RecordedCall {
     std::string name;   // the slot name, e.g. "ap_UpdateVFS" or "MessageBox"
@@ -86,6 +87,35 @@ protected:
 private:
     std::string savedCwd_;
     std::string root_;
+};
+
+// A frame store as a host keeps it: the index buffer, the 24-bit buffer (both 512 by 512,
+// bottom-up) and a window canvas of a client size. The destructor closes it when it is open.
+class TestFrameStore {
+public:
+    TestFrameStore() = default;
+    ~TestFrameStore();
+    TestFrameStore(const TestFrameStore&) = delete;
+    TestFrameStore& operator=(const TestFrameStore&) = delete;
+
+    // dl_VFS_open_vfs with both buffers and a new window; answers its result.
+    int Open(int16_t number, int clientWidth = 512, int clientHeight = 512);
+    void Close();
+
+    // The index layer and the 24-bit layer at frame point (x, y), y from the top.
+    uint8_t Index(int x, int y) const;
+    uint32_t RGB(int x, int y) const;   // 0x00BBGGRR from the stored blue, green, red bytes
+    // A repaint as the host does it: the index layer through the host's palette into the
+    // window (frame pixels at window pixels 1:1), then dl_RedrawVFS over the frame.
+    void Paint(const TestHost& host);
+    // A window pixel as 0x00BBGGRR.
+    uint32_t WindowPixel(int x, int y) const;
+
+    std::vector<uint8_t> frame = std::vector<uint8_t>(512 * 512);
+    std::vector<uint8_t> rgb = std::vector<uint8_t>(512 * 512 * 3);
+    TvCanvas* window = nullptr;
+    int16_t number = -1;
+    bool open = false;
 };
 
 // Reads a whole file; empty when missing.
