@@ -155,6 +155,16 @@ TEST_F(FrameCommandTest, LoadFrameIsShownAtTheCursorAsTheCurrentItem)
     EXPECT_EQ(GetFSContentsCoords(0, 0), CurrentItem);
 }
 
+TEST_F(FrameCommandTest, LoadFrameKeepsTheColoursByDefault)
+{
+    dl_LoadFrame(2);   // the host answers the default button
+    ASSERT_EQ(host.messageBoxes.size(), 1u);
+    EXPECT_EQ(host.messageBoxes[0].style & TV_MB_TYPEMASK, static_cast<uint32_t>(TV_MB_YESNOCANCEL));
+    EXPECT_EQ(host.messageBoxes[0].style & TV_MB_DEFMASK, static_cast<uint32_t>(TV_MB_DEFBUTTON1));
+    ASSERT_NE(CurrentItem, nullptr);
+    EXPECT_EQ(CurrentItem->ColourImage, 1);
+}
+
 TEST_F(FrameCommandTest, LoadFrameOnCancelOrAnotherWhichMakesNothing)
 {
     host.messageBoxAnswers.push_back(TV_IDCANCEL);

@@ -38,6 +38,7 @@ TEST_F(VfsTest, OpeningClearsBothBuffersAndTakesTheOpeningValues)
     EXPECT_EQ(FSState.CursorX, 0);
     EXPECT_EQ(FSState.CursorY, 0);
     EXPECT_EQ(FSState.Contents[3][7].Image, nullptr);
+    EXPECT_EQ(FSState.Contents[3][7].ImType1, 0u);   // a cleared record, not the cleared-frame form
     CVfs* vfs = CurrentVfs();
     ASSERT_NE(vfs, nullptr);
     EXPECT_EQ(vfs->Wnd, fs.window);
