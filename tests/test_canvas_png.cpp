@@ -61,3 +61,20 @@ TEST_F(CanvasPngTest, CanvasWithATranslucentPixelIsWrittenAsRgba)
 }
 
 } // namespace
+
+TEST(CanvasHostApi, AHostGetsAndReleasesADrawingContextOfItsCanvas)
+{
+    TvCanvas* canvas = tv_canvas_create(8, 8);
+    ASSERT_NE(canvas, nullptr);
+    EXPECT_EQ(tv_canvas_get_dc(nullptr), nullptr);
+    DrawContext* dc = tv_canvas_get_dc(canvas);
+    ASSERT_NE(dc, nullptr);
+    FillSolidRect(dc, 2, 2, 3, 3, RgbColour(255, 0, 0));
+    EXPECT_EQ(tv_canvas_pixels(canvas)[2 * 8 + 2], 0xFF0000FFu);
+    TvCanvas* other = tv_canvas_create(4, 4);
+    EXPECT_EQ(tv_canvas_release_dc(other, dc), 0);
+    EXPECT_EQ(tv_canvas_release_dc(canvas, dc), 1);
+    EXPECT_EQ(tv_canvas_release_dc(canvas, nullptr), 0);
+    tv_canvas_destroy(other);
+    tv_canvas_destroy(canvas);
+}

@@ -14,6 +14,7 @@
 #include "tavrin/types.h"
 
 typedef struct TvCanvas TvCanvas;
+typedef struct DrawContext DrawContext;
 
 /* A canvas cleared to opaque black; null when a size is negative, an edge exceeds 32767,
  * the area exceeds 67108864 pixels or memory runs out. A size of 0 gives an empty canvas
@@ -31,5 +32,12 @@ TAVRIN_API void tv_canvas_clear(TvCanvas* canvas, uint32_t rgb);
 /* Writes the canvas as a PNG file: 8-bit RGB when every pixel is opaque, else 8-bit RGBA.
  * Answers 0 on success, 1 on failure (null canvas or path, empty canvas, file not written). */
 TAVRIN_API int32_t tv_canvas_write_png(const TvCanvas* canvas, const char* path);
+
+/* A drawing context on the canvas, for drawing into it with the library (dl_RedrawVFS into a
+ * host's own picture, for instance); null for a null canvas. Release it before destroying the
+ * canvas. */
+TAVRIN_API DrawContext* tv_canvas_get_dc(TvCanvas* canvas);
+/* Frees a context of that canvas; answers 1, or 0 for a null context or one of another canvas. */
+TAVRIN_API int32_t tv_canvas_release_dc(TvCanvas* canvas, DrawContext* dc);
 
 #endif

@@ -16,8 +16,8 @@
 #include "tavrin/image_header.h"
 #include "tavrin/types.h"
 
-/* A drawing context of a canvas; null in dl_RedrawVFS draws into the frame store's window. */
-typedef struct DrawContext DrawContext;
+/* DrawContext (tavrin/canvas.h): a drawing context of a canvas; null in dl_RedrawVFS draws into
+ * the frame store's window. */
 
 /* A rectangle of pixels, right and bottom edges included. */
 typedef struct TvRect {

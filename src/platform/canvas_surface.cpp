@@ -71,3 +71,7 @@ int32_t tv_canvas_write_png(const TvCanvas* canvas, const char* path)
         return 1;
     }
 }
+
+DrawContext* tv_canvas_get_dc(TvCanvas* canvas) { return GetDC(canvas); }
+
+int32_t tv_canvas_release_dc(TvCanvas* canvas, DrawContext* dc) { return ReleaseDC(canvas, dc); }
