@@ -559,16 +559,6 @@ TEST_F(TiffReadTest, AMappingBlockIsNotReadYetAndTheLoadFailsWithTheListUnchange
     EXPECT_TRUE(Contains(ReadLog(), "ERROR : Program error - ReadMappingBlock"));
 }
 
-TEST_F(TiffReadTest, AttachedSpectraAreNotReadYetAndTheLoadFailsWithTheListUnchanged)
-{
-    std::string f = SavedFile("sp.tif");
-    PutAt<int16_t>(f, 10 + 2764, 2);
-    WriteFileBytes(Path("sp2.tif"), f);
-    EXPECT_EQ(LoadImageFile(Path("sp2.tif").c_str(), 0, 1, 1), 1);
-    EXPECT_EQ(FirstItem, nullptr);
-    EXPECT_TRUE(Contains(ReadLog(), "ERROR : Program error - ReadAttachedSpectra 2"));
-}
-
 TEST_F(TiffReadTest, HitDataWithoutTheirMappingAreNotReadAndTheLoadFails)
 {
     std::string f = SavedFile("hit.tif");

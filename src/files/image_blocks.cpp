@@ -1,4 +1,5 @@
 #include "files/image_blocks.h"
+#include "files/attached_spectra.h"
 #include "host/errors.h"
 #include "store/image_header.h"
 #include "store/memory.h"
@@ -8,7 +9,7 @@ namespace {
 void ClearMappingAndFollowers(ImageHeaderType* record)
 {
     SetCITSBlock(record, nullptr);
-    SetSPSRefChain(record, nullptr);
+    FreeSPSRefChain(record);
     FreeHitData(record);
 }
 
@@ -66,13 +67,11 @@ int ReadMappingBlock(FileHandle, ImageHeaderType*)
     return 0;
 }
 
-int ReadAttachedSpectra(FileHandle, ImageHeaderType* record)
+int ReadAttachedSpectra(FileHandle file, ImageHeaderType* record)
 {
-    // Attached spectra have no reader yet: none is read, and the count says so.
-    ProgramError("ReadAttachedSpectra %d", static_cast<int>(record->nSPSRefData));
-    record->nSPSRefData = 0;
-    SetSPSRefChain(record, nullptr);
-    return 0;
+    // A short chain is no failure: the image keeps the spectra that could be read.
+    ReadSPSRefData(file, record);
+    return 1;
 }
 
 int ReadHitData(FileHandle, ImageHeaderType*)
@@ -123,6 +122,7 @@ void FreeLoadedBlocks(ImageHeaderType* record)
 {
     efree(record->FFTDataPtr);
     SetFFTBlock(record, nullptr);
+    FreeSPSRefChain(record);
     FreeHitData(record);
 }
 
@@ -142,9 +142,7 @@ long long MappingBlockBytes(const ImageHeaderType*)
     return 0;
 }
 
-int WriteAttachedSpectra(FileHandle, const ImageHeaderType*, int, int)
+int WriteAttachedSpectra(FileHandle file, const ImageHeaderType* record, int referring, int attached)
 {
-    // Spectra have no writer yet: none is written, and the caller puts that count into the
-    // file.
-    return 0;
+    return WriteSPSRefData(file, record, referring, attached);
 }

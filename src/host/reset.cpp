@@ -1,5 +1,6 @@
 #include "host/reset.h"
 #include "files/tiff_read.h"
+#include "files/file_state.h"
 #include "display/colour_startup.h"
 #include "display/vfs.h"
 #include "host/ap_callbacks.h"
@@ -35,6 +36,7 @@ void ResetProcessState()
     SetFileWriteLimitForTests(-1);
     SetFileReadFailureForTests(false);
     ResetTiffFileState();
+    ResetFileCommandState();
     ResetCantileverState();
     ResetColourState();
 }
