@@ -13,6 +13,7 @@
 #include "tavrin/dl_colour.h"
 #include "tavrin/dl_data_list.h"
 #include "tavrin/dl_settings.h"
+#include "tavrin/dl_files.h"
 #include "tavrin/dl_frame_store.h"
 
 #endif
