@@ -4,12 +4,41 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace {
 
 long long g_writeLimit = -1;   // bytes still allowed, -1 no limit
 bool g_readFails = false;
+
+// Moves `count` bytes as pieces of at most kFileChunkBytes, stopping at the first piece that
+// falls short. The pieces go to the system in one vectored call per batch, which keeps the
+// piece rule without a system call for every piece. Answers the bytes moved, or -1 when
+// nothing moved because of an error.
+long long TransferInPieces(FileHandle file, char* data, size_t count, bool write)
+{
+    constexpr size_t kPiecesPerCall = 256;   // 8 MiB a call
+    size_t done = 0;
+    while (done < count) {
+        iovec pieces[kPiecesPerCall];
+        size_t n = 0, wanted = 0;
+        for (; n < kPiecesPerCall && done + wanted < count; ++n) {
+            size_t piece = std::min(kFileChunkBytes, count - done - wanted);
+            pieces[n].iov_base = data + done + wanted;
+            pieces[n].iov_len = piece;
+            wanted += piece;
+        }
+        ssize_t moved;
+        do {
+            moved = write ? ::writev(file, pieces, static_cast<int>(n)) : ::readv(file, pieces, static_cast<int>(n));
+        } while (moved < 0 && errno == EINTR);
+        if (moved < 0) return done ? static_cast<long long>(done) : -1;
+        done += static_cast<size_t>(moved);
+        if (static_cast<size_t>(moved) < wanted) break;   // a short piece ends the transfer
+    }
+    return static_cast<long long>(done);
+}
 
 } // namespace
 
@@ -30,40 +59,18 @@ long long FileRead(FileHandle file, void* buffer, size_t count)
 {
     if (file == kInvalidFile || (count && !buffer)) return -1;
     if (g_readFails) return -1;
-    auto* out = static_cast<char*>(buffer);
-    size_t done = 0;
-    while (done < count) {
-        size_t piece = std::min(kFileChunkBytes, count - done);
-        ssize_t got;
-        do {
-            got = ::read(file, out + done, piece);
-        } while (got < 0 && errno == EINTR);
-        if (got < 0) return done ? static_cast<long long>(done) : -1;
-        done += static_cast<size_t>(got);
-        if (static_cast<size_t>(got) < piece) break;
-    }
-    return static_cast<long long>(done);
+    return TransferInPieces(file, static_cast<char*>(buffer), count, false);
 }
 
 long long FileWrite(FileHandle file, const void* buffer, size_t count)
 {
     if (file == kInvalidFile || (count && !buffer)) return -1;
-    const auto* in = static_cast<const char*>(buffer);
-    size_t done = 0;
-    while (done < count) {
-        size_t piece = std::min(kFileChunkBytes, count - done);
-        if (g_writeLimit >= 0) piece = std::min(piece, static_cast<size_t>(g_writeLimit));
-        if (piece == 0) break;
-        ssize_t put;
-        do {
-            put = ::write(file, in + done, piece);
-        } while (put < 0 && errno == EINTR);
-        if (put < 0) return done ? static_cast<long long>(done) : -1;
-        done += static_cast<size_t>(put);
-        if (g_writeLimit >= 0) g_writeLimit -= put;
-        if (static_cast<size_t>(put) < std::min(kFileChunkBytes, count - (done - put))) break;
-    }
-    return static_cast<long long>(done);
+    size_t allowed = count;
+    if (g_writeLimit >= 0) allowed = std::min(count, static_cast<size_t>(g_writeLimit));
+    if (allowed == 0 && count > 0) return 0;
+    long long done = TransferInPieces(file, const_cast<char*>(static_cast<const char*>(buffer)), allowed, true);
+    if (done > 0 && g_writeLimit >= 0) g_writeLimit -= done;
+    return done;
 }
 
 long long FileSeek(FileHandle file, long long offset, FileOrigin origin)
