@@ -321,3 +321,36 @@ TEST_F(AttachedSpectraTest, CountOwnedSpectraOfMinusOneIsZero)
     b->SPSOwnerId = 77;
     EXPECT_EQ(CountOwnedSpectra(77), 1);
 }
+
+TEST_F(AttachedSpectraTest, AnOwnedItemThatIsNoSpectrumIsPassedOverAndNotCounted)
+{
+    ImageHeaderType* image = MakeImage(16);
+    ImageHeaderType* other = MakeImage(16, "other");
+    ImageHeaderType* spectrum = MakeSpectrumItem(3, 5);
+    other->SPSOwnerId = static_cast<int32_t>(image->DataId);
+    spectrum->SPSOwnerId = static_cast<int32_t>(image->DataId);
+    host.messageBoxAnswers.push_back(TV_IDYES);
+    ASSERT_EQ(saveTiffImage(image, Path("mixed.tif").c_str(), 0), 0);
+    EXPECT_EQ(host.messageBoxes[0].text, "Save 2 spectra referencing this image?");
+    const std::string file = ReadFileBytes(Path("mixed.tif"));
+    EXPECT_EQ(U16(file, 2774), 1);
+    EXPECT_EQ(file.size(), 7124u + 512 + SpectrumBytes(3));
+}
+
+TEST_F(AttachedSpectraTest, AShortWriteAmongTheSpectraFailsTheSaveAndLeavesTheListAsItWas)
+{
+    ImageHeaderType* image = ImageWithChain({3, 4});
+    const int items = CountItems();
+    const size_t blocks = LiveBlockCount();
+    // Room for the header, the pixels and part of the first spectrum.
+    SetFileWriteLimitForTests(7124 + 512 + 100);
+    EXPECT_EQ(saveTiffImage(image, Path("full.tif").c_str(), 0), 1);
+    SetFileWriteLimitForTests(-1);
+    // The question, then a short write for each spectrum and for the count behind them.
+    ASSERT_EQ(host.messageBoxes.size(), 4u);
+    for (size_t i = 1; i < 4; ++i) EXPECT_EQ(host.messageBoxes[i].text, "Not enough disk space") << i;
+    EXPECT_EQ(CountItems(), items);
+    EXPECT_EQ(LiveBlockCount(), blocks);
+    EXPECT_EQ(image->nSPSRefData, 2);
+    EXPECT_EQ(Chain(image).size(), 2u);
+}

@@ -412,6 +412,7 @@ TEST_F(OpenSaveTest, SelectingForSavingMakesThePickedItemCurrentAndShowsIt)
     EXPECT_EQ(dl_SelectDataForSaving(), -1);   // cancelled
     EXPECT_EQ(CurrentItem, c);
     EXPECT_EQ(DisplayRequests().shown, shown + 1);
+    EXPECT_TRUE(Contains(ReadLog(), "dl_SelectDataForSaving"));
 }
 
 // ---- Path test and file names ----------------------------------------------------------------

@@ -96,7 +96,8 @@ int WriteSPSRefData(FileHandle file, const ImageHeaderType* image, int owned, in
     const int32_t id = static_cast<int32_t>(image->DataId);
     if (owned > 0 && CountOwnedSpectra(id) == owned) {
         for (const ImageHeaderType* p = FirstItem; p; p = p->Next)
-            if (p != image && p->SPSOwnerId == id && WriteOneSpectrum(file, p)) ++written;
+            if (p != image && p->SPSOwnerId == id && IsSpectrumClass(p->ImType1) && WriteOneSpectrum(file, p))
+                ++written;
     }
     int taken = 0;
     for (const ImageHeaderType* s = image->SPSRefDataPtr; s && taken < chained; s = s->SPSRefDataPtr, ++taken)

@@ -25,8 +25,9 @@ int CountOwnedSpectra(int32_t dataId);
 int ReadSPSRefData(FileHandle file, ImageHeaderType* image);
 
 // Writes the owned spectra of the image, if there are still exactly `owned` of them (and more
-// than 0), then up to `chained` spectra of the image's chain. A spectrum that fails to write is
-// not counted, and the file goes back to where it began. Answers the number written.
+// than 0), then up to `chained` spectra of the image's chain. An owned item that is no spectrum
+// is passed over; a spectrum that fails to write is not counted, and the file goes back to where
+// it began. Answers the number written.
 int WriteSPSRefData(FileHandle file, const ImageHeaderType* image, int owned, int chained);
 
 // Frees the image's chain from its end, spectrum by spectrum, samples and record; the chain is

@@ -21,16 +21,6 @@ constexpr size_t kStored = TAVRIN_HEADER_STORED_BYTES;
 constexpr SpecExportParam kDefaultExport{0, 2};
 SpecExportParam g_export = kDefaultExport;
 
-// The classes whose samples are curves. Checked quietly: a file may hold any number here.
-bool IsSpectrumClass(uint32_t type)
-{
-    switch (type) {
-    case IMTYPE_SPECTRUM: case IMTYPE_PROFILE: case IMTYPE_HISTOGRAM: case IMTYPE_FREQUENCY_SWEEP:
-    case IMTYPE_PHASE_SHIFT: case IMTYPE_SCAN_LINE: case IMTYPE_SCAN_LINE2: return true;
-    default: return false;
-    }
-}
-
 size_t SampleBytes(const ImageHeaderType* record) { return static_cast<size_t>(record->nx) * 8; }
 
 // Stored bytes that a file of this revision holds: the rule of the image file header.
@@ -106,6 +96,15 @@ bool WriteTable(FileHandle file, const ImageHeaderType* record)
 }
 
 } // namespace
+
+bool IsSpectrumClass(uint32_t type)
+{
+    switch (type) {
+    case IMTYPE_SPECTRUM: case IMTYPE_PROFILE: case IMTYPE_HISTOGRAM: case IMTYPE_FREQUENCY_SWEEP:
+    case IMTYPE_PHASE_SHIFT: case IMTYPE_SCAN_LINE: case IMTYPE_SCAN_LINE2: return true;
+    default: return false;
+    }
+}
 
 void FreeSpectrumRecord(ImageHeaderType* record)
 {

@@ -10,8 +10,14 @@
 // Lines end in CR LF, as the text files of the desktop platform do.
 #pragma once
 
+#include <cstdint>
+
 #include "platform/files.h"
 #include "tavrin/image_header.h"
+
+// The classes whose samples are curves, tested without a report: a file may hold any number
+// in ImType1.
+bool IsSpectrumClass(uint32_t type);
 
 // Reads one spectrum from the file's position: the record (an old short record is cleared
 // behind its stored bytes and upgraded, and the Y values of the oldest spectra are scaled),
