@@ -59,10 +59,17 @@ TEST_F(FramePlacementTest, TheFirstImageGoesToTheTopLeftWithItsOutlineRowsAndGri
     EXPECT_EQ(FSState.DisplayBusy, 1);
     EXPECT_EQ(FSState.FrameDrawn, 1);
     EXPECT_EQ(BatchDepth, 0);
-    // Level (code >> 8) through the grey ramp: level / 2 + 35.
-    EXPECT_EQ(fs.Index(0, 0), 35);
-    EXPECT_EQ(fs.Index(10, 20), ((30 << 7) >> 8) / 2 + 35);
-    EXPECT_EQ(fs.Index(255, 255), ((510 << 7 & 0xffff) >> 8) / 2 + 35);
+    // Level (code >> 8) through the grey ramp: level / 2 + 35. The first and the last row of
+    // the rectangle are left to the outline: the rows keep the cleared index 0.
+    auto ramp = [](int x, int y) { return ((((x + y) << 7) & 0xffff) >> 8) / 2 + 35; };
+    EXPECT_EQ(fs.Index(10, 20), ramp(10, 20));
+    EXPECT_EQ(fs.Index(0, 1), ramp(0, 1));
+    EXPECT_EQ(fs.Index(255, 254), ramp(255, 254));
+    EXPECT_NE(ramp(255, 254), 0);
+    for (int x : {0, 1, 128, 255}) {
+        EXPECT_EQ(fs.Index(x, 0), 0) << x;
+        EXPECT_EQ(fs.Index(x, 255), 0) << x;
+    }
     EXPECT_EQ(fs.Index(256, 0), 0);
     EXPECT_EQ(host.Count("ap_PutPixelRow"), 0);   // rows go straight into the buffer
     ASSERT_EQ(host.Count("ap_UpdateVFS"), 1);
@@ -286,5 +293,8 @@ TEST_F(FramePlacementTest, TheListsStepCommandsShowTheirItemInTheFrame)
     dl_NextData1();
     EXPECT_EQ(CurrentItem, b);
     EXPECT_EQ(GetFSContentsCoords(0, 0), b);
-    EXPECT_EQ(fs.Index(0, 0), 0x40 / 2 + 35);
+    // Row 0 is left to the outline; the rows inside show the level 0x40 on the ramp.
+    EXPECT_EQ(fs.Index(0, 0), 0);
+    EXPECT_EQ(fs.Index(0, 1), 0x40 / 2 + 35);
+    EXPECT_EQ(fs.Index(255, 254), 0x40 / 2 + 35);
 }

@@ -15,5 +15,6 @@
 #include "tavrin/dl_settings.h"
 #include "tavrin/dl_files.h"
 #include "tavrin/dl_frame_store.h"
+#include "tavrin/dl_display.h"
 
 #endif

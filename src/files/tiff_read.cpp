@@ -1,4 +1,5 @@
 #include "files/tiff_read.h"
+#include "display/view3d.h"
 #include "files/delta_rows.h"
 #include "files/image_blocks.h"
 #include "files/old_revisions.h"
@@ -210,10 +211,7 @@ void ShowLoadedItem(ImageHeaderType* item)
         break;
     case 4:
         DisplayCurrentItem();
-        if (!FindFileLoad && !ReplayFlag) {
-            // The 3-D view of the item is handed to the host here, once the rendering work
-            // builds its C3DParam through Populate3DParam.
-        }
+        Open3DViewOfLoadedItem(item);
         break;
     default:
         ProgramError("loadmiage DisplayMode=%d", static_cast<int>(item->DisplayMode));

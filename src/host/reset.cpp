@@ -2,6 +2,7 @@
 #include "files/tiff_read.h"
 #include "files/file_state.h"
 #include "display/colour_startup.h"
+#include "display/render.h"
 #include "display/vfs.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
@@ -39,4 +40,5 @@ void ResetProcessState()
     ResetFileCommandState();
     ResetCantileverState();
     ResetColourState();
+    ResetImageDisplayState();
 }

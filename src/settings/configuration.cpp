@@ -1,5 +1,6 @@
 #include "settings/configuration.h"
 #include "display/colour_startup.h"
+#include "display/display_param.h"
 #include "display/lut_settings.h"
 #include "host/errors.h"
 #include "host/log.h"
@@ -17,6 +18,7 @@ void StoreConfiguration()
     std::snprintf(sub, sizeof sub, "%02d", kProcessingSubRevision);
     SaveSettingString("Revision", kProcessingRevision);
     SaveSettingString("Sub-Revision", sub);
+    StoreDisplaySettings();
     StoreColourTableSettings();
     StoreCantileverSettings();
     Log("Store software configuration on disk\n");
@@ -34,6 +36,7 @@ void RetrieveConfiguration()
         Error(ERR_READ_CONFIGURATION);
         return;
     }
+    RetrieveDisplaySettings();
     RetrieveColourTableSettings();
     RetrieveCantileverSettings();
     LoadSelectedColourTable();

@@ -1,6 +1,7 @@
 #include "store/data_list_display.h"
 #include "display/contents_grid.h"
 #include "display/frame_commands.h"
+#include "display/full_display.h"
 #include "display/placement.h"
 #include "display/vfs.h"
 #include "host/ap_callbacks.h"
@@ -19,10 +20,7 @@ void DisplayCurrentItem()
 {
     ++g_requests.shown;
     g_requests.lastShown = CurrentItem;
-    if (!CurrentItem || !CurrentVFS) return;
-    // An image goes to the placement cursor of the current frame store. A spectrum is drawn by
-    // the plot window; until it exists a spectrum is not shown.
-    if (CheckHeaderIsImageType(CurrentItem)) DisplayImage(CurrentItem, 1, 1);
+    DisplayData();
 }
 
 void ClearDisplay()

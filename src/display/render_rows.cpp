@@ -1,0 +1,367 @@
+// The row writer. Each row of an image is brought to the frame size (summed for a reduced
+// image, repeated and averaged for a magnified one), turned into colour indices by the display
+// mode through ColourMap, and written as a whole row with WriteFSLine.
+//
+// Display modes, with cur the level of a point, left that of the point before it and above
+// the stored level of the same point in the row before:
+//   0  ColourMap[cur]
+//   1  relief: ColourMap[a + 32 b], a = left - cur + 16, b = above - cur + 16, each 0 to 31
+//   2  contour lines on the ground ColourMap[0], each line in the colour of its band
+//   3  the image at half level, contour lines in the upper half of the table
+//   4  the same, with the image itself in bands
+// In modes 1 to 4 the first point of a row has index 0.
+#include "display/colour_map.h"
+#include "display/colour_param.h"
+#include "display/display_param.h"
+#include "display/lut.h"
+#include "display/palette.h"
+#include "display/placement.h"
+#include "display/render.h"
+#include "display/vfs.h"
+#include "host/errors.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr int kLevels = 256;
+constexpr int kMaxLevel = kLevels - 1;
+
+struct RowWriter {
+    int32_t acc[kLongestRow];     // the row accumulator
+    uint16_t prev[kLongestRow];   // the previous-row store
+    uint8_t row[kLongestRow];     // the indices of the row being written
+    int bandMask = 0, inBandMask = 0, shift = 0, edgeBit = 0;
+    int shiftSum = 0;
+    int nx = 0, ny = 0;           // data size of the image in writing
+};
+
+RowWriter g_writer;
+
+int16_t ScaleFactor(int points, int pixels)
+{
+    const int factor = points >= pixels ? points / pixels : -(pixels / points);
+    return static_cast<int16_t>(std::clamp(factor, -32768, 32767));
+}
+
+int Log2Floor(int value)
+{
+    int bits = 0;
+    while (value > 1) {
+        value >>= 1;
+        ++bits;
+    }
+    return bits;
+}
+
+int Mode() { return FSState.LineDispMode >= 0 && FSState.LineDispMode < kDisplayModes ? FSState.LineDispMode : 0; }
+
+// The contour rule of modes 2 to 4.
+inline uint8_t ContourIndex(const uint8_t* map, int cur, int left, int above)
+{
+    const RowWriter& w = g_writer;
+    const int band = cur & w.bandMask;
+    if (band == (left & w.bandMask) && band == (above & w.bandMask)) return map[(cur & w.inBandMask) >> w.shift];
+    const int v = std::max({cur, left, above});
+    return map[((v & w.bandMask) >> w.shift) | w.edgeBit];
+}
+
+inline uint8_t ShadingIndex(const uint8_t* map, int cur, int left, int above)
+{
+    const int a = std::clamp(left - cur + 16, 0, 31);
+    const int b = std::clamp(above - cur + 16, 0, 31);
+    return map[a + 32 * b];
+}
+
+// Modes 1 to 4 on a row of levels from `first` to `last` (absolute point numbers): the
+// indices go to `out`, and each level becomes the stored above value of its point.
+template <typename LevelOf>
+void ComparingRow(int mode, int first, int last, LevelOf levelOf, uint8_t* out)
+{
+    const uint8_t* map = FSState.ColourMap;
+    uint16_t* prev = g_writer.prev;
+    int left = first > 0 ? levelOf(first - 1) : 0;
+    for (int x = first; x <= last; ++x) {
+        const int cur = levelOf(x);
+        const int above = prev[x];
+        if (x == 0)
+            out[x] = 0;
+        else if (mode == 1)
+            out[x] = ShadingIndex(map, cur, left, above);
+        else
+            out[x] = ContourIndex(map, cur, left, above);
+        prev[x] = static_cast<uint16_t>(cur);
+        left = cur;
+    }
+}
+
+// A row written to the frame: along a row, or down a column.
+void WriteRow(const uint8_t* indices, int first, int n, int line, int vertDisp)
+{
+    if (!vertDisp) {
+        WriteFSLine(indices + first, n, FSState.CursorX + first, FSState.CursorY + line);
+        return;
+    }
+    for (int k = first; k < first + n; ++k) PutFSPixel(indices[k], 0, FSState.CursorX + line, FSState.CursorY + k);
+}
+
+// Factor 1: one image point to one frame pixel. The first and the last row (column) of the
+// rectangle are not written: the outline stands there. Their levels are still stored.
+void RowAtFactor1(int line, const uint16_t* data, int xs, int n, int vertDisp)
+{
+    const int rows = vertDisp ? FSState.NPixelsX : FSState.NPixelsY;
+    if (line >= rows) return;   // beyond the image rectangle
+    const bool outline = line == 0 || line == rows - 1;
+    const int mode = Mode();
+    uint8_t* out = g_writer.row;
+    if (mode == 0) {
+        if (outline) return;
+        const uint8_t* map = FSState.ColourMap;
+        const uint16_t* src = data + xs;
+        uint8_t* dst = out + xs;
+        for (int i = 0; i < n; ++i) dst[i] = map[src[i] >> 8];
+    } else {
+        ComparingRow(mode, xs, xs + n - 1, [data](int x) { return data[x] >> 8; }, out);
+        if (outline) return;
+    }
+    WriteRow(out, xs, n, line, vertDisp);
+}
+
+// Sums of p points into the accumulator: value j takes the points from j * p. The data hold
+// `length` points; points beyond are not read.
+template <int P>
+void SumPoints(int32_t* acc, const uint16_t* data, int first, int n)
+{
+    for (int j = first; j < first + n; ++j) {
+        const uint16_t* p = data + static_cast<size_t>(j) * P;
+        int32_t sum = 0;
+        for (int k = 0; k < P; ++k) sum += p[k];
+        acc[j] += sum;
+    }
+}
+
+void SumPointsAny(int32_t* acc, const uint16_t* data, int first, int n, int p)
+{
+    for (int j = first; j < first + n; ++j) {
+        const uint16_t* q = data + static_cast<size_t>(j) * p;
+        int32_t sum = 0;
+        for (int k = 0; k < p; ++k) sum += q[k];
+        acc[j] += sum;
+    }
+}
+
+// Brings a row to its frame values in the accumulator.
+void FillAccumulator(const uint16_t* data, int xs, int n)
+{
+    int32_t* acc = g_writer.acc;
+    const int factor = FSState.ImPntsX;
+    const int length = g_writer.nx;
+    if (factor > 0) {
+        // Only whole groups of points that the data hold.
+        const int groups = std::max(0, std::min(xs + n, length / factor) - xs);
+        switch (factor) {
+        case 2: SumPoints<2>(acc, data, xs, groups); break;
+        case 4: SumPoints<4>(acc, data, xs, groups); break;
+        case 8: SumPoints<8>(acc, data, xs, groups); break;
+        case 16: SumPoints<16>(acc, data, xs, groups); break;
+        case 32: SumPoints<32>(acc, data, xs, groups); break;
+        default: SumPointsAny(acc, data, xs, groups, factor); break;
+        }
+        return;
+    }
+    // Magnified by f: point i yields f values, the first f / 2 the point itself, the others the
+    // mean of it and the next point; the last point yields f values of itself. Values beyond
+    // the last point of the data are 0.
+    const int f = -factor, half = f / 2, last = length - 1;
+    for (int j = xs; j < xs + n; ++j) {
+        const int i = j / f;
+        if (i > last)
+            acc[j] = 0;
+        else if (i == last || j % f < half)
+            acc[j] = data[i];
+        else
+            acc[j] = (data[i] + data[i + 1]) >> 1;
+    }
+}
+
+inline int LevelOfSum(int32_t sum, int shiftSum) { return std::min((sum >> 8) >> shiftSum, kMaxLevel); }
+
+// A reduced image: ImPntsY rows make one output row.
+void ReducedRows(int line, int xs, int n)
+{
+    const int p = FSState.ImPntsY;
+    if ((line - p + 1) % p != 0) return;
+    const int r = line / p;
+    int32_t* acc = g_writer.acc;
+    const int shiftSum = g_writer.shiftSum;
+    if (r >= FSState.NPixelsY) {   // beyond the image rectangle
+        std::fill(acc + xs, acc + xs + n, 0);
+        return;
+    }
+    const bool firstOrLast = r == 0 || r == FSState.NPixelsY - 1;
+    const int mode = Mode();
+    uint8_t* out = g_writer.row;
+    if (firstOrLast) {
+        if (mode == 0)
+            FillFSLine(0, n, FSState.CursorX + xs, FSState.CursorY);
+        else
+            for (int x = xs; x < xs + n; ++x) g_writer.prev[x] = static_cast<uint16_t>((acc[x] >> shiftSum) & kMaxLevel);
+    } else if (mode == 0) {
+        const uint8_t* map = FSState.ColourMap;
+        for (int x = xs; x < xs + n; ++x) out[x] = map[LevelOfSum(acc[x], shiftSum)];
+    } else {
+        ComparingRow(mode, xs, xs + n - 1, [acc, shiftSum](int x) { return LevelOfSum(acc[x], shiftSum); }, out);
+    }
+    std::fill(acc + xs, acc + xs + n, 0);
+    if (mode >= 2 && r == 0 && FSState.NPixelsY == 1) return;
+    WriteRow(out, xs, n, r, 0);
+}
+
+// A magnified image: each data row yields f frame rows; the first and last frame row of the
+// rectangle are left for the outline.
+void MagnifiedRows(int line, int xs, int n)
+{
+    const int f = -FSState.ImPntsY;
+    int32_t* acc = g_writer.acc;
+    uint16_t* prev = g_writer.prev;
+    uint8_t* out = g_writer.row;
+    const int mode = Mode();
+    const int rows = FSState.NPixelsY;
+    auto visible = [rows](int frameRow) { return frameRow > 0 && frameRow < rows - 1; };
+    if (mode == 0) {
+        // Rows between the row before and this one, in f steps.
+        const uint8_t* map = FSState.ColourMap;
+        for (int k = 0; k < f; ++k) {
+            const int frameRow = k + line * f;
+            if (!visible(frameRow)) continue;
+            for (int x = xs; x < xs + n; ++x) {
+                const int64_t value = f > 1 ? (int64_t{acc[x]} * k + int64_t{prev[x]} * (f - 1 - k)) / (f - 1) : acc[x];
+                out[x] = map[std::min<int64_t>(value >> 8, kMaxLevel)];
+            }
+            WriteRow(out, xs, n, frameRow, 0);
+        }
+        for (int x = xs; x < xs + n; ++x) prev[x] = static_cast<uint16_t>(acc[x] & 0xffff);
+    } else {
+        ComparingRow(mode, xs, xs + n - 1, [acc](int x) { return LevelOfSum(acc[x], 0); }, out);
+        for (int k = 0; k < f; ++k) {
+            const int frameRow = k + line * f;
+            if (visible(frameRow)) WriteRow(out, xs, n, frameRow, 0);
+        }
+    }
+    std::fill(acc + xs, acc + xs + n, 0);
+}
+
+// Line -1: the start of an image.
+void StartOfImage()
+{
+    RowWriter& w = g_writer;
+    std::memset(w.acc, 0, sizeof w.acc);
+    std::memset(w.prev, 0, sizeof w.prev);
+    std::memset(w.row, 0, sizeof w.row);
+    const int levels = std::max<int>(Display.ContourLevels, 1);
+    w.bandMask = kLevels - kLevels / levels;
+    switch (Mode()) {
+    case 3:
+        w.inBandMask = kMaxLevel;
+        w.shift = 1;
+        w.edgeBit = 128;
+        break;
+    case 4:
+        w.inBandMask = w.bandMask;
+        w.shift = 1;
+        w.edgeBit = 128;
+        break;
+    default:
+        w.inBandMask = 0;
+        w.shift = 0;
+        w.edgeBit = 0;
+        break;
+    }
+}
+
+} // namespace
+
+bool ImageScaleWorkable(int imPntsX, int imPntsY)
+{
+    if (imPntsX == 1) return imPntsY == 1;
+    const int f = imPntsX < 0 ? -imPntsX : imPntsX;
+    return f >= 2 && f <= 32 && (f & (f - 1)) == 0;
+}
+
+RowWriterSettings CurrentRowWriterSettings()
+{
+    const RowWriter& w = g_writer;
+    return {w.bandMask, w.inBandMask, w.shift, w.edgeBit, w.shiftSum};
+}
+
+void StartImageRows(int nx, int ny, int isColour, const ImageHeaderType* image)
+{
+    nx = std::max(nx, 1);
+    ny = std::max(ny, 1);
+    FSState.ImPntsX = ScaleFactor(nx, std::max<int>(FSState.NPixelsX, 1));
+    FSState.ImPntsY = ScaleFactor(ny, std::max<int>(FSState.NPixelsY, 1));
+    g_writer.nx = nx;
+    g_writer.ny = ny;
+    if (FSState.ImPntsY > 0) g_writer.shiftSum = Log2Floor(FSState.ImPntsX * FSState.ImPntsX);
+    else g_writer.shiftSum = 0;
+    DisplayImageDataTypeLine1(-1, nullptr, 0, 0, 0);
+    BuildColourMap(image, isColour);
+    if (TrueRGB && ColourSource == kColourSourceImage && image)
+        LoadPaletteBytes(image->LutRed, image->LutGreen, image->LutBlue);
+    else
+        ReloadPalette();
+    FSState.DisplayBusy = 0;
+}
+
+void DisplayImageDataTypeLine1(int line, const uint16_t* data, int xs, int n, int vertDisp)
+{
+    if (line < 0) {
+        StartOfImage();
+        return;
+    }
+    const int limit = vertDisp ? FSState.NPixelsY : FSState.NPixelsX;
+    const int64_t xe = int64_t{xs} + n - 1;
+    if (xe > limit - 1) {
+        ProgramError("DisplayImageDataTypeLine1 VertDisp=%d xe=%d NPixelsX=%d", vertDisp,
+                     static_cast<int>(std::clamp<int64_t>(xe, INT32_MIN, INT32_MAX)), static_cast<int>(FSState.NPixelsX));
+        xs = 0;
+        n = limit;
+    }
+    if (vertDisp && (FSState.ImPntsX != 1 || FSState.ImPntsY != 1 || xs != 0)) {
+        ProgramError("DisplayImageDataTypeLine1 VertDisp ImPntsX/Y=%d,%d.  xs=%d", static_cast<int>(FSState.ImPntsX),
+                     static_cast<int>(FSState.ImPntsY), xs);
+        return;
+    }
+    if (!data || xs < 0 || n <= 0) {
+        ProgramError("DisplayImageDataTypeLine1 line=%d xs=%d n=%d", line, xs, n);
+        return;
+    }
+    FSState.DisplayBusy = 1;
+    if (!ImageScaleWorkable(FSState.ImPntsX, FSState.ImPntsY)) {
+        ProgramError("Unable to display this image at this size: ImPntsX = %d", static_cast<int>(FSState.ImPntsX));
+        return;
+    }
+    // The accumulator holds the longest row; what lies beyond is beyond the frame anyway.
+    if (xs >= kLongestRow) return;
+    n = std::min(n, kLongestRow - xs);
+
+    if (FSState.ImPntsX == 1) {
+        // At factor 1 the data of a row hold at least the frame points (the image is at least
+        // as large as the rectangle), but a caller's row may be shorter than the frame.
+        const int length = vertDisp ? g_writer.ny : g_writer.nx;
+        n = std::min(n, length - xs);
+        if (n > 0) RowAtFactor1(line, data, xs, n, vertDisp);
+        return;
+    }
+    FillAccumulator(data, xs, n);
+    if (FSState.ImPntsY > 0)
+        ReducedRows(line, xs, n);
+    else
+        MagnifiedRows(line, xs, n);
+}
+
+void ResetRowWriter()
+{
+    g_writer = RowWriter{};
+}
