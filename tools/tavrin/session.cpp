@@ -53,11 +53,53 @@ bool StartSession(const HostOptions& options)
     ApCallbackFunctionTableType table = HostCallbackTable();
     wint_DLLInitialiseType record{};
     std::snprintf(record.CmdLine, sizeof record.CmdLine, "tavrin");
+    record.HostData1 = options.trueRgb ? 1u : 0u;
     if (dl_Initialise(&table, &record) != 0) return false;
     g_session.started = true;
     dl_UserID((options.user.empty() ? SystemUser() : options.user).c_str());
     dl_RetriveConfigurationFromDisk();
+    return OpenHostFrameStore(kMainFrameStore);
+}
+
+HostFrameStore* FindHostFrameStore(int16_t number)
+{
+    for (auto& fs : g_session.frameStores)
+        if (fs.number == number) return &fs;
+    return nullptr;
+}
+
+bool OpenHostFrameStore(int16_t number, int clientWidth, int clientHeight)
+{
+    if (FindHostFrameStore(number)) return false;
+    HostFrameStore fs;
+    fs.number = number;
+    fs.index.assign(512 * 512, 0);
+    fs.rgb.assign(512 * 512 * 3, 0);
+    fs.window = tv_canvas_create(clientWidth, clientHeight);
+    if (!fs.window) return false;
+    g_session.frameStores.push_back(std::move(fs));
+    HostFrameStore& added = g_session.frameStores.back();
+    uint8_t* buffers[2] = {added.index.data(), added.rgb.data()};
+    if (dl_VFS_open_vfs(buffers, number, added.window) != 0) {
+        tv_canvas_destroy(added.window);
+        g_session.frameStores.pop_back();
+        return false;
+    }
+    dl_VFS_set_current_vfs(number);
+    g_session.currentFrameStore = number;
     return true;
+}
+
+void CloseHostFrameStore(int16_t number)
+{
+    auto& stores = g_session.frameStores;
+    for (auto it = stores.begin(); it != stores.end(); ++it) {
+        if (it->number != number) continue;
+        dl_VFS_close_vfs(number);
+        tv_canvas_destroy(it->window);
+        stores.erase(it);
+        return;
+    }
 }
 
 void EndSession()
@@ -67,6 +109,7 @@ void EndSession()
     g_session.answers.push_back(Answer{Answer::Ok, 0, {}});
     g_session.answers.push_back(Answer{Answer::No, 0, {}});
     dl_Finish();
+    while (!g_session.frameStores.empty()) CloseHostFrameStore(g_session.frameStores.back().number);
     g_session.started = false;
     SetLogObserver(nullptr, nullptr);
 }

@@ -19,13 +19,17 @@ struct HostOptions {
     bool verbose = false;          // -v: print log lines as they are written
     int defaultAnswer = 0;         // TV_IDYES / TV_IDNO from --yes / --no, 0: each prompt's default
     std::string user;              // --user NAME, default the system login name
+    bool trueRgb = false;          // --rgb: frame stores keep a 24-bit layer
 };
 
 struct HostFrameStore {
     int16_t number = 0;
     std::vector<uint8_t> index;    // 512 x 512 colour indices, bottom-up rows
     std::vector<uint8_t> rgb;      // 512 x 512 x 3, blue, green, red
+    TvCanvas* window = nullptr;    // the window: a canvas of its client size
 };
+
+constexpr int16_t kMainFrameStore = 1;
 
 struct HostSession {
     HostOptions options;
@@ -45,6 +49,12 @@ HostSession& Session();
 bool StartSession(const HostOptions& options);
 // Ends the run with dl_Finish, answering its questions: exit, do not save settings.
 void EndSession();
+
+// Opens a frame store of this host (buffers and a window of the given client size) in the
+// library, and makes it current; false when the library refused it.
+bool OpenHostFrameStore(int16_t number, int clientWidth = 512, int clientHeight = 512);
+void CloseHostFrameStore(int16_t number);
+HostFrameStore* FindHostFrameStore(int16_t number);
 
 // The next queued answer, if any.
 bool TakeAnswer(Answer* answer);

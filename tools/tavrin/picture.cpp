@@ -1,0 +1,40 @@
+#include "picture.h"
+
+namespace {
+
+// The host's repaint: the bitmap (colour indices through the palette, or the 24-bit layer in
+// True-RGB mode) copied into the window, then the display list over it.
+void Repaint(HostFrameStore& fs)
+{
+    const bool trueRgb = Session().options.trueRgb;
+    uint32_t* pixels = tv_canvas_pixels(fs.window);
+    int w = tv_canvas_width(fs.window), h = tv_canvas_height(fs.window);
+    const auto& pal = Session().palette;
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            uint32_t rgb = 0xFFFFFFu;
+            if (x < 512 && y < 512) {
+                size_t at = static_cast<size_t>(511 - y) * 512 + x;
+                if (trueRgb) {
+                    const uint8_t* p = &fs.rgb[at * 3];
+                    rgb = p[2] | (p[1] << 8) | (p[0] << 16);
+                } else {
+                    uint8_t i = fs.index[at];
+                    rgb = (pal[0][i] & 0xFFu) | ((pal[1][i] & 0xFFu) << 8) | ((pal[2][i] & 0xFFu) << 16);
+                }
+            }
+            pixels[static_cast<size_t>(y) * w + x] = 0xFF000000u | rgb;
+        }
+    }
+    TvRect dest{0, 0, 511, 511};
+    dl_RedrawVFS(&dest, nullptr, fs.number);
+}
+
+} // namespace
+
+bool WriteFrameStorePicture(HostFrameStore& fs, const std::string& path)
+{
+    if (!fs.window) return false;
+    Repaint(fs);
+    return tv_canvas_write_png(fs.window, path.c_str()) == 0;
+}

@@ -1,0 +1,166 @@
+#include "script.h"
+#include "item_info.h"
+#include "picture.h"
+#include "script_call.h"
+#include "session.h"
+
+#include <cstring>
+#include <map>
+#include <sstream>
+
+namespace {
+
+// Splits a line into words: whitespace separates, double quotes group (with \" and \\ inside),
+// and name=value stays one word.
+std::vector<std::string> SplitWords(const std::string& line, bool* quoted)
+{
+    std::vector<std::string> words;
+    size_t i = 0;
+    while (i < line.size()) {
+        while (i < line.size() && std::isspace(static_cast<unsigned char>(line[i]))) ++i;
+        if (i >= line.size() || line[i] == '#') break;
+        std::string word;
+        bool inQuotes = false, wasQuoted = false;
+        for (; i < line.size(); ++i) {
+            char c = line[i];
+            if (inQuotes) {
+                if (c == '\\' && i + 1 < line.size()) word += line[++i];
+                else if (c == '"') inQuotes = false;
+                else word += c;
+            } else if (c == '"') {
+                inQuotes = wasQuoted = true;
+            } else if (std::isspace(static_cast<unsigned char>(c))) {
+                break;
+            } else {
+                word += c;
+            }
+        }
+        if (inQuotes) throw ScriptError("unterminated quoted text");
+        quoted[words.size() < 64 ? words.size() : 63] = wasQuoted;
+        words.push_back(word);
+    }
+    return words;
+}
+
+Answer ParseAnswer(const std::string& word, bool quoted)
+{
+    if (!quoted) {
+        if (word == "yes") return {Answer::Yes, 0, {}};
+        if (word == "no") return {Answer::No, 0, {}};
+        if (word == "cancel") return {Answer::Cancel, 0, {}};
+        if (word == "ok") return {Answer::Ok, 0, {}};
+        try {
+            return {Answer::Number, ParseNumber(word), word};
+        } catch (const ScriptError&) {
+            throw ScriptError("answer must be yes, no, cancel, ok, a number or a quoted text: '" + word + "'");
+        }
+    }
+    return {Answer::Text, 0, word};
+}
+
+const std::map<std::string, const ScriptEntry*>& EntryIndex()
+{
+    static const std::map<std::string, const ScriptEntry*> index = [] {
+        std::map<std::string, const ScriptEntry*> m;
+        for (const ScriptEntry& e : ScriptEntries()) m[e.name] = &e;
+        return m;
+    }();
+    return index;
+}
+
+// Host commands of a script that are not entry points of the library.
+bool RunHostCommand(const std::string& name, const std::vector<std::string>& words, const bool* quoted, FILE* out)
+{
+    if (name == "answer") {
+        if (words.size() < 2) throw ScriptError("answer needs a value");
+        for (size_t i = 1; i < words.size(); ++i) Session().answers.push_back(ParseAnswer(words[i], quoted[i]));
+        return true;
+    }
+    if (name == "render") {
+        if (words.size() != 2) throw ScriptError("render needs one file name");
+        HostFrameStore* fs = FindHostFrameStore(Session().currentFrameStore);
+        if (!fs || !WriteFrameStorePicture(*fs, words[1])) throw ScriptError("could not write '" + words[1] + "'");
+        std::fprintf(out, "render: %s\n", words[1].c_str());
+        return true;
+    }
+    if (name == "info") {
+        PrintItemInfo(out, words.size() > 1 && words[1] == "--json");
+        return true;
+    }
+    if (name == "Error") {
+        if (words.size() < 2 || words.size() > 3) throw ScriptError("Error needs a number and may take one text");
+        auto number = static_cast<uint32_t>(ParseNumber(words[1]));
+        if (words.size() == 3) dl_Error(number, words[2].c_str());
+        else dl_Error(number);
+        return true;
+    }
+    if (name == "Log2Disk" || name == "OutputDebugString") {
+        if (words.size() != 2) throw ScriptError(name + " needs one text");
+        if (name == "Log2Disk") dl_Log2Disk("%s", words[1].c_str());
+        else dl_OutputDebugString("%s", words[1].c_str());
+        return true;
+    }
+    if (name == "SaveWindow") {
+        // The window's own bitmap is the host's to write (render); the library saves the
+        // current image with its 3-D display mode.
+        if (words.size() != 2) throw ScriptError("SaveWindow needs one file name");
+        std::fprintf(out, "SaveWindow = %d\n", dl_SaveWindow(words[1].c_str(), nullptr, nullptr, 0, TV_SAVE_WINDOW_IMAGE));
+        return true;
+    }
+    if (name == "VFS_open_vfs") {
+        if (words.size() != 2) throw ScriptError("VFS_open_vfs needs a frame store number");
+        bool opened = OpenHostFrameStore(static_cast<int16_t>(ParseNumber(words[1])));
+        std::fprintf(out, "VFS_open_vfs = %d\n", opened ? 0 : 1);
+        return true;
+    }
+    if (name == "VFS_close_vfs") {
+        if (words.size() != 2) throw ScriptError("VFS_close_vfs needs a frame store number");
+        CloseHostFrameStore(static_cast<int16_t>(ParseNumber(words[1])));
+        return true;
+    }
+    if (name == "VFS_set_current_vfs") {
+        if (words.size() != 2) throw ScriptError("VFS_set_current_vfs needs a frame store number");
+        auto number = static_cast<int16_t>(ParseNumber(words[1]));
+        dl_VFS_set_current_vfs(number);
+        Session().currentFrameStore = number;
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+int RunScript(const std::string& text, const std::string& sourceName, FILE* out)
+{
+    std::istringstream lines(text);
+    std::string line;
+    int number = 0;
+    while (std::getline(lines, line)) {
+        ++number;
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        try {
+            bool quoted[64] = {};
+            std::vector<std::string> words = SplitWords(line, quoted);
+            if (words.empty()) continue;
+            // "dl_" may lead an entry point's name.
+            const std::string name = words[0].rfind("dl_", 0) == 0 ? words[0].substr(3) : words[0];
+            if (RunHostCommand(name, words, quoted, out)) continue;
+            auto found = EntryIndex().find(name);
+            if (found == EntryIndex().end()) throw ScriptError("unknown command '" + words[0] + "'");
+            ScriptWords args;
+            for (size_t i = 1; i < words.size(); ++i) {
+                size_t eq = words[i].find('=');
+                if (!quoted[i] && eq != std::string::npos && eq > 0)
+                    args.fields.emplace_back(words[i].substr(0, eq), words[i].substr(eq + 1));
+                else
+                    args.positional.push_back(words[i]);
+            }
+            std::string result = found->second->call(args);
+            if (!result.empty()) std::fprintf(out, "%s %s\n", name.c_str(), result.c_str());
+        } catch (const ScriptError& e) {
+            std::fprintf(stderr, "tavrin: %s:%d: %s\n", sourceName.c_str(), number, e.what());
+            return 2;
+        }
+    }
+    return 0;
+}

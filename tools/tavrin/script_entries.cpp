@@ -1,0 +1,98 @@
+// The entry points a script reaches, one line each, family by family. Entry points that hand
+// the host's own buffers or windows to the library (opening and closing frame stores, saving a
+// window's bitmap) and those of a variable argument list (Error, Log2Disk, OutputDebugString)
+// are host commands of the script instead; Initialise, Finish and SetPlatformTable belong to
+// the host's start and end.
+#include "record_fields.h"
+#include "script_call.h"
+
+const std::vector<ScriptEntry>& ScriptEntries()
+{
+    static const std::vector<ScriptEntry> entries = {
+        // start and stop
+        TAVRIN_ENTRY(dl_GetRevisionNumber),
+        TAVRIN_ENTRY(dl_UserID),
+        TAVRIN_ENTRY(dl_DeleteUserID),
+        TAVRIN_ENTRY(dl_InitLogFileName),
+        TAVRIN_ENTRY(dl_GetDataLogFileName),
+        TAVRIN_ENTRY(dl_GetStartUpStrings),
+        // settings
+        TAVRIN_ENTRY(dl_StoreConfigurationToDisk),
+        TAVRIN_ENTRY(dl_RetriveConfigurationFromDisk),
+        TAVRIN_ENTRY(dl_UpgradeINIfilesFromOldSoftwareVersion),
+        // files and data directories
+        TAVRIN_ENTRY(dl_OpenSTMData),
+        TAVRIN_ENTRY(dl_CanOpenFile),
+        TAVRIN_ENTRY(dl_SaveData),
+        TAVRIN_ENTRY(dl_pb_SaveDataAndRepeat),
+        TAVRIN_ENTRY(dl_SelectDataForSaving),
+        TAVRIN_ENTRY(dl_GetImageFileName),
+        TAVRIN_ENTRY(dl_ReplayInitialise),
+        TAVRIN_ENTRY(dl_ReplayDisplay),
+        TAVRIN_ENTRY(dl_InitializeDataDirectoryName),
+        TAVRIN_ENTRY(dl_SetDataDirectoryName),
+        TAVRIN_ENTRY(dl_GetDataDirectoryName),
+        TAVRIN_ENTRY(dl_GetInitFileName),
+        TAVRIN_ENTRY(dl_GetUserFileName),
+        TAVRIN_ENTRY(dl_GetColorDataDirectoryName),
+        TAVRIN_ENTRY(dl_GetCantiDataDirectoryName),
+        TAVRIN_ENTRY(dl_GetSpecExportParam),
+        TAVRIN_ENTRY(dl_SetSpecExportParam),
+        // data list
+        TAVRIN_ENTRY(dl_GetCurrentImagePtr),
+        TAVRIN_ENTRY(dl_SetCurrentImagePtr),
+        TAVRIN_ENTRY(dl_GetDataDescriptor),
+        TAVRIN_ENTRY(dl_SetDataItem),
+        TAVRIN_ENTRY(dl_NextData1),
+        TAVRIN_ENTRY(dl_PreviousData1),
+        TAVRIN_ENTRY(dl_NextDataType1),
+        TAVRIN_ENTRY(dl_PreviousDataType1),
+        TAVRIN_ENTRY(dl_EraseDataNext),
+        TAVRIN_ENTRY(dl_EraseDataPrevious),
+        TAVRIN_ENTRY(dl_EraseAllData),
+        TAVRIN_ENTRY(dl_EraseAllDataExceptCurrent),
+        TAVRIN_ENTRY(dl_IsCurrentDataTypeImage),
+        // units and number texts
+        TAVRIN_ENTRY(dl_AreaUnits),
+        TAVRIN_ENTRY(dl_AreDoublesEqual),
+        TAVRIN_ENTRY(dl_AreFloatsEqual),
+        TAVRIN_ENTRY(dl_Int2Str),
+        TAVRIN_ENTRY(dl_Double2Str),
+        TAVRIN_ENTRY(dl_Str2Int),
+        TAVRIN_ENTRY(dl_Str2Double),
+        // calibration
+        TAVRIN_ENTRY(dl_GetCantiParam),
+        TAVRIN_ENTRY(dl_SetCantiParam),
+        TAVRIN_ENTRY(dl_SetDefaultCantiParam),
+        TAVRIN_ENTRY(dl_GetSPMCalParam),
+        TAVRIN_ENTRY(dl_SetSPMCalParam),
+        // colour
+        TAVRIN_ENTRY(dl_GetColourParam),
+        TAVRIN_ENTRY(dl_SetColourParam),
+        TAVRIN_ENTRY(dl_pb_ColourOpen),
+        TAVRIN_ENTRY(dl_pb_ColourSave),
+        TAVRIN_ENTRY(dl_pb_ColourSet),
+        TAVRIN_ENTRY(dl_pb_ColourDefine),
+        TAVRIN_ENTRY(dl_pb_Colour_CopyToImage),
+        // display
+        TAVRIN_ENTRY(dl_GetDisplayParam),
+        TAVRIN_ENTRY(dl_SetDisplayParam),
+        TAVRIN_ENTRY(dl_pb_DisplayImage),
+        TAVRIN_ENTRY(dl_pb_DisplaySpec),
+        TAVRIN_ENTRY(dl_DisplayData),
+        TAVRIN_ENTRY(dl_FullDisplay),
+        TAVRIN_ENTRY(dl_Get3DParam),
+        TAVRIN_ENTRY(dl_Set3DParam),
+        TAVRIN_ENTRY(dl_3D_SelectImage),
+        // frame stores
+        TAVRIN_ENTRY(dl_RedrawVFS),
+        TAVRIN_ENTRY(dl_VFS_pickup_image),
+        TAVRIN_ENTRY(dl_VFS_drop_image),
+        TAVRIN_ENTRY(dl_SelectImageFromFS),
+        TAVRIN_ENTRY(dl_ClearFrameStore),
+        TAVRIN_ENTRY(dl_LoadFrame),
+        TAVRIN_ENTRY(dl_PrintEditUpdateVFS),
+        TAVRIN_ENTRY(dl_clip_line_cohen_sutherlandI),
+    };
+    return entries;
+}
