@@ -68,7 +68,6 @@ void PngDecoderTest::SetUp()
           ("tavrin_png_" + std::to_string(getpid()) + "_" + info->test_suite_name() + "_" + info->name());
     fs::remove_all(dir);
     fs::create_directories(dir);
-    std::ofstream(dir / "decode.py") << kDecoder;
 }
 
 void PngDecoderTest::TearDown()
@@ -76,8 +75,11 @@ void PngDecoderTest::TearDown()
     fs::remove_all(dir);
 }
 
-Bytes PngDecoderTest::Decode(const std::string& kind, const fs::path& file)
+Bytes PngDecoderTest::Decode(const std::string& kind, const fs::path& file) { return RunDecoder(dir, kind, file); }
+
+Bytes RunDecoder(const fs::path& dir, const std::string& kind, const fs::path& file)
 {
+    if (!fs::exists(dir / "decode.py")) std::ofstream(dir / "decode.py") << kDecoder;
     fs::path out = dir / "decoded.bin";
     fs::path errors = dir / "errors.txt";
     fs::remove(out);
@@ -101,8 +103,13 @@ Bytes PngDecoderTest::Inflate(const std::string& kind, const Bytes& stream)
 
 PngDecoderTest::Decoded PngDecoderTest::DecodePng(const fs::path& file, size_t bytesPerPixel)
 {
-    Decoded d;
-    Bytes all = Decode("png", file);
+    return DecodePngFile(dir, file, bytesPerPixel);
+}
+
+DecodedPng DecodePngFile(const fs::path& dir, const fs::path& file, size_t bytesPerPixel)
+{
+    DecodedPng d;
+    Bytes all = RunDecoder(dir, "png", file);
     auto newline = std::find(all.begin(), all.end(), '\n');
     if (newline == all.end()) {
         ADD_FAILURE() << "no header line from the decoder";

@@ -16,6 +16,20 @@ using Bytes = std::vector<uint8_t>;
 Bytes ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, const Bytes& bytes);
 
+// A PNG file as PIL reads it: mode ("RGB", "RGBA", "P"), size, pixel bytes and, for a palette
+// image, the palette.
+struct DecodedPng {
+    std::string mode;
+    int32_t width = 0;
+    int32_t height = 0;
+    Bytes pixels;
+    Bytes palette;
+};
+
+// The decoder run in a working directory of the caller's (the script is written there).
+Bytes RunDecoder(const std::filesystem::path& dir, const std::string& kind, const std::filesystem::path& file);
+DecodedPng DecodePngFile(const std::filesystem::path& dir, const std::filesystem::path& file, size_t bytesPerPixel);
+
 class PngDecoderTest : public ::testing::Test {
 protected:
     void SetUp() override;
@@ -30,15 +44,7 @@ protected:
     // Writes a stream to a file and inflates it.
     Bytes Inflate(const std::string& kind, const Bytes& stream);
 
-    // A PNG file as PIL reads it: mode ("RGB", "RGBA", "P"), size, pixel bytes and, for a
-    // palette image, the palette.
-    struct Decoded {
-        std::string mode;
-        int32_t width = 0;
-        int32_t height = 0;
-        Bytes pixels;
-        Bytes palette;
-    };
+    using Decoded = DecodedPng;
     Decoded DecodePng(const std::filesystem::path& file, size_t bytesPerPixel);
 
     std::filesystem::path dir;

@@ -7,6 +7,11 @@
 
 using Args = std::vector<std::string>;
 
+int CommandInfo(const Args& args);
+int CommandPixels(const Args& args);
+int CommandConvert(const Args& args);
+int CommandRender(const Args& args);
+int CommandRun(const Args& args);
 int CommandDemo(const Args& args);
 
 // Prints the usage text to the stream.

@@ -15,6 +15,11 @@ struct Command {
 const std::map<std::string, Command>& CommandTable()
 {
     static const std::map<std::string, Command> table = {
+        {"info", {CommandInfo}},
+        {"pixels", {CommandPixels}},
+        {"convert", {CommandConvert}},
+        {"render", {CommandRender}},
+        {"run", {CommandRun}},
         {"demo", {CommandDemo}},
     };
     return table;
@@ -36,12 +41,26 @@ void PrintUsage(FILE* out)
         "usage: tavrin [options] COMMAND [arguments]\n"
         "\n"
         "Commands:\n"
+        "  info FILE [--json]      open a file and describe its item (--json: every field of\n"
+        "                          the record as one JSON object)\n"
+        "  pixels FILE -o OUT      write the item's data block: an image's codes (u16, row 0\n"
+        "                          first), a spectrum's f32 Y values then X values\n"
+        "  convert IN OUT [--8bit] open IN and save its item as the type of OUT's extension\n"
+        "                          (.tif .bin .bft .asc .aft .spc .dat .hdr)\n"
+        "  render IN -o OUT.png [--mode 0-4] [--size N] [--table 0-7] [--full]\n"
+        "                          show the image in a frame store and write what the window\n"
+        "                          shows (modes: 0 plain, 1 shaded, 2 contour, 3 and 4 image\n"
+        "                          with contours; --full: colour bar, ruler, text, histogram)\n"
+        "  run SCRIPT              run a script (- for standard input): one command a line,\n"
+        "                          an entry point's name without dl_ and its arguments, or\n"
+        "                          answer yes|no|cancel|ok|NUMBER|\"TEXT\", render OUT.png, info\n"
         "  demo [--out DIR]        make the built-in sample data, save, reload and render it\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"
         "  --yes, --no             answer every question of the library so\n"
         "  --user NAME             the login name (default: the system user)\n"
+        "  --rgb                   frame stores keep a 24-bit layer (True-RGB mode)\n"
         "  --version               print the start-up strings of the library\n"
         "  --help                  print this text\n"
         "\n"
@@ -63,6 +82,7 @@ int main(int argc, char** argv)
         if (a == "-v") options.verbose = true;
         else if (a == "--yes") options.defaultAnswer = TV_IDYES;
         else if (a == "--no") options.defaultAnswer = TV_IDNO;
+        else if (a == "--rgb") options.trueRgb = true;
         else if (a == "--user" && i + 1 < argc) options.user = argv[++i];
         else {
             std::fprintf(stderr, "tavrin: unknown option '%s'\n", argv[i]);

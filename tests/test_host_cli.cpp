@@ -1,0 +1,366 @@
+// End-to-end tests of the command-line host: each test runs the tavrin binary in the test's own
+// home and data directories and checks its exit status, its output and the files it writes.
+// Input files are made in this process with the library (the same code a user's host runs).
+#include "support/test_host.h"
+#include "files/sample_data.h"
+#include "display/default_tables.h"
+#include "files/tiff_layout.h"
+#include "files/tiff_write.h"
+#include "png_decoder.h"
+#include "store/data_list.h"
+#include "store/image_header.h"
+#include "store/memory.h"
+#include "test_tiff_support.h"
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+using tifftest::Contains;
+
+struct HostRun {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+class HostCliTest : public LibraryTest {
+protected:
+    // Runs the binary with the arguments (quoted for the shell by the caller where needed) in
+    // the data directory; `input` goes to its standard input.
+    HostRun Run(const std::string& arguments, const std::string& input = "")
+    {
+        WriteFileBytes(data + "stdin.txt", input);
+        std::string command = "cd '" + data + "' && TAVRIN_HOME='" + home + "' TAVRIN_DATA='" + data + "' '" +
+                              TAVRIN_HOST_BINARY + "' " + arguments + " < stdin.txt > stdout.txt 2> stderr.txt";
+        int raw = std::system(command.c_str());
+        HostRun run;
+        run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        run.out = ReadFileBytes(data + "stdout.txt");
+        run.err = ReadFileBytes(data + "stderr.txt");
+        return run;
+    }
+
+    // The sample topography saved as a 16-bit image file in the data directory.
+    std::string SaveTopography(const std::string& name)
+    {
+        ImageHeaderType* item = MakeSampleTopography(nullptr);
+        EXPECT_NE(item, nullptr);
+        EXPECT_EQ(saveTiffImage(item, Path(name).c_str(), 0), 0);
+        return Path(name);
+    }
+
+    // A 256 by 256 image of four upright bands, 64 columns each, of codes 0x1000, 0x5000,
+    // 0x9000 and 0xD000; saved in the data directory.
+    std::string SaveBands(const std::string& name)
+    {
+        ImageHeaderType* item = tifftest::MakeImage(256, "Bands");
+        EXPECT_NE(item, nullptr);
+        for (int y = 0; y < 256; ++y)
+            for (int x = 0; x < 256; ++x) item->PixData[y * 256 + x] = static_cast<uint16_t>(0x1000 + 0x4000 * (x / 64));
+        EXPECT_EQ(saveTiffImage(item, Path(name).c_str(), 0), 0);
+        return Path(name);
+    }
+};
+
+TEST_F(HostCliTest, VersionPrintsTheStartUpStrings)
+{
+    HostRun run = Run("--version");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(Contains(run.out, "Tavrin Processing for Linux")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "Software Version 310")) << run.out;
+}
+
+TEST_F(HostCliTest, HelpNamesEveryCommandAndTheExitStatus)
+{
+    HostRun run = Run("--help");
+    EXPECT_EQ(run.status, 0);
+    for (const char* command : {"info FILE", "pixels FILE", "convert IN OUT", "render IN", "run SCRIPT", "demo"})
+        EXPECT_TRUE(Contains(run.out, command)) << command;
+    EXPECT_TRUE(Contains(run.out, "Exit status: 0 success, 1 a command reported an error, 2 a usage error."));
+}
+
+TEST_F(HostCliTest, AnUnknownCommandOrOptionIsAUsageError)
+{
+    HostRun run = Run("frobnicate");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Contains(run.err, "tavrin: unknown command 'frobnicate'")) << run.err;
+    run = Run("render x.tif -o x.png --mode 7");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Contains(run.err, "--mode takes a whole number from 0 to 4: '7'")) << run.err;
+    run = Run("info");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Contains(run.err, "tavrin info: missing argument")) << run.err;
+}
+
+TEST_F(HostCliTest, InfoDescribesTheItem)
+{
+    SaveTopography("topo.tif");
+    HostRun run = Run("info topo.tif");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "class:  I\n")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "title:  Topography(FW)\n")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "type:   Image(512):STM:Topography(FW)\n")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "size:   512 x 512 pixels, 500.0 x 500.0 nm\n")) << run.out;
+}
+
+TEST_F(HostCliTest, InfoJsonOfAFileWeWroteHasTheFieldsWeSet)
+{
+    ImageHeaderType* item = MakeSampleTopography(nullptr);
+    ASSERT_NE(item, nullptr);
+    item->BiasVoltage = 0.75f;
+    item->TunnelCurrent = 1.25f;
+    std::strcpy(item->Title, "Gold \xE9tched");   // a Latin-1 byte
+    item->ImageSizeX = item->ImageSizeY = 250.0f;
+    ASSERT_EQ(saveTiffImage(item, Path("set.tif").c_str(), 0), 0);
+
+    HostRun run = Run("info set.tif --json");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out.rfind("{\"class\": \"I\", \"title\": \"Topography(FW)\", ", 0), 0u) << run.out;
+    EXPECT_TRUE(Contains(run.out, "\"unit\": \"nm\"")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "\"BiasVoltage\": 0.75,")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "\"TunnelCurrent\": 1.25,")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "\"ImageSizeX\": 250,")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "\"nx\": 512, \"ny\": 512,")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "\"Title\": \"Gold \xC3\xA9tched\"")) << run.out;
+    // The path as it was passed.
+    EXPECT_TRUE(Contains(run.out, "\"FileName\": \"set.tif\"")) << run.out;
+    EXPECT_EQ(run.out.back(), '\n');
+}
+
+TEST_F(HostCliTest, InfoOfAMissingFileReportsTheErrorAndExitsOne)
+{
+    HostRun run = Run("info missing.tif");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Contains(run.err, "tavrin: ")) << run.err;
+    EXPECT_TRUE(run.out.empty()) << run.out;
+}
+
+TEST_F(HostCliTest, PixelsWritesTheCodesRowZeroFirst)
+{
+    ImageHeaderType* item = MakeSampleTopography(nullptr);
+    ASSERT_NE(item, nullptr);
+    ASSERT_EQ(saveTiffImage(item, Path("topo.tif").c_str(), 0), 0);
+    HostRun run = Run("pixels topo.tif -o codes.bin");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "codes.bin: 524288 bytes\n");
+    std::string bytes = ReadFileBytes(Path("codes.bin"));
+    ASSERT_EQ(bytes.size(), 512u * 512u * 2u);
+    for (size_t at : {size_t{0}, size_t{1}, size_t{512}, size_t{777 * 3}, size_t{512 * 512 - 1}})
+        EXPECT_EQ(tifftest::U16(bytes, at * 2), item->PixData[at]) << at;
+}
+
+TEST_F(HostCliTest, PixelsOfASpectrumAreTheYValuesThenTheXValues)
+{
+    ImageHeaderType* curve = MakeSampleIVCurve(nullptr);
+    ASSERT_NE(curve, nullptr);
+    CurrentItem = curve;
+    ASSERT_EQ(dl_SaveData(TV_SAVE_SPECTRUM, Path("iv.spc").c_str(), 0, 0), 0);
+    HostRun run = Run("pixels iv.spc -o samples.bin");
+    EXPECT_EQ(run.status, 0) << run.err;
+    std::string bytes = ReadFileBytes(Path("samples.bin"));
+    ASSERT_EQ(bytes.size(), 256u * 8u);
+    const float* y = SpecY(curve);
+    const float* x = SpecX(curve);
+    for (int i : {0, 100, 255}) {
+        float fy, fx;
+        std::memcpy(&fy, bytes.data() + i * 4, 4);
+        std::memcpy(&fx, bytes.data() + 1024 + i * 4, 4);
+        EXPECT_EQ(fy, y[i]) << i;
+        EXPECT_EQ(fx, x[i]) << i;
+    }
+}
+
+TEST_F(HostCliTest, ConvertRoundTripsByteForByte)
+{
+    // The file keeps the name it is loaded under, so that the record of the copy holds the
+    // same FileName as the original's.
+    ImageHeaderType* item = MakeSampleTopography(nullptr);
+    ASSERT_NE(item, nullptr);
+    std::strcpy(item->FileName, "t.tif");
+    ASSERT_EQ(saveTiffImage(item, Path("t.tif").c_str(), 0), 0);
+    fs::create_directories(Path("out"));
+    HostRun run = Run("convert t.tif out/t.tif");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "out/t.tif\n");
+    const std::string a = ReadFileBytes(Path("t.tif")), b = ReadFileBytes(Path("out/t.tif"));
+    ASSERT_EQ(a.size(), b.size());
+    ASSERT_EQ(a.size(), TiffLayout::kHeaderBytes + 512u * 512u * 2u);
+    // Only the save stamp (SavedDate and SavedTime of the record) may tell the two apart.
+    const size_t dateAt = TiffLayout::kRecordOffset + offsetof(ImageHeaderType, SavedDate);
+    const size_t timeAt = TiffLayout::kRecordOffset + offsetof(ImageHeaderType, SavedTime);
+    for (size_t i = 0; i < a.size(); ++i) {
+        const bool stamp = (i >= dateAt && i < dateAt + sizeof(DosDateType)) ||
+                           (i >= timeAt && i < timeAt + sizeof(DosTimeType));
+        if (!stamp) {
+            ASSERT_EQ(a[i], b[i]) << "byte " << i;
+        }
+    }
+}
+
+TEST_F(HostCliTest, ConvertToAnEightBitFileKeepsTheHighBytes)
+{
+    SaveTopography("t.tif");
+    HostRun run = Run("convert t.tif t8.tif --8bit");
+    ASSERT_EQ(run.status, 0) << run.err;
+    host.Start();
+    dl_OpenSTMData(0, Path("t.tif").c_str());
+    ImageHeaderType* sixteen = CurrentItem;
+    dl_OpenSTMData(0, Path("t8.tif").c_str());
+    ImageHeaderType* eight = CurrentItem;
+    ASSERT_NE(sixteen, eight);
+    ASSERT_EQ(eight->nx, 512);
+    for (size_t at : {size_t{0}, size_t{1000}, size_t{512 * 512 - 1}})
+        EXPECT_EQ(eight->PixData[at] >> 8, sixteen->PixData[at] >> 8) << at;
+}
+
+TEST_F(HostCliTest, ConvertToAnUnknownExtensionIsAUsageError)
+{
+    SaveTopography("a.tif");
+    HostRun run = Run("convert a.tif a.xyz");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Contains(run.err, "names no file type")) << run.err;
+    EXPECT_FALSE(fs::exists(Path("a.xyz")));
+}
+
+TEST_F(HostCliTest, RenderWritesWhatTheWindowShows)
+{
+    SaveBands("bands.tif");
+    // Grey table 0, the image at its own size: band level L shows as ramp entry 35 + L / 2,
+    // whose grey is 2 * (L / 2).
+    HostRun run = Run("render bands.tif -o bands.png --size 0 --table 0");
+    ASSERT_EQ(run.status, 0) << run.err;
+    png_check::DecodedPng png = png_check::DecodePngFile(fs::path(data), Path("bands.png"), 3);
+    ASSERT_EQ(png.mode, "RGB");
+    ASSERT_EQ(png.width, 512);
+    ASSERT_EQ(png.height, 512);
+    ASSERT_EQ(png.pixels.size(), 512u * 512u * 3u);
+    auto pixel = [&](int x, int y) {
+        const uint8_t* p = &png.pixels[(static_cast<size_t>(y) * 512 + x) * 3];
+        return std::array<int, 3>{p[0], p[1], p[2]};
+    };
+    const int levels[4] = {0x10, 0x50, 0x90, 0xD0};
+    for (int band = 0; band < 4; ++band) {
+        const int grey = 2 * (levels[band] / 2);
+        EXPECT_EQ(pixel(32 + 64 * band, 128), (std::array<int, 3>{grey, grey, grey})) << band;
+    }
+    // Outside the image the frame is clear: palette entry 0.
+    uint8_t r, g, b;
+    FixedColour(0, &r, &g, &b);
+    EXPECT_EQ(pixel(400, 300), (std::array<int, 3>{r, g, b}));
+}
+
+TEST_F(HostCliTest, RenderOfASpectrumIsRefused)
+{
+    ImageHeaderType* curve = MakeSampleIVCurve(nullptr);
+    ASSERT_NE(curve, nullptr);
+    CurrentItem = curve;
+    ASSERT_EQ(dl_SaveData(TV_SAVE_SPECTRUM, Path("iv.spc").c_str(), 0, 0), 0);
+    HostRun run = Run("render iv.spc -o iv.png");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Contains(run.err, "holds no image")) << run.err;
+    EXPECT_FALSE(fs::exists(Path("iv.png")));
+}
+
+TEST_F(HostCliTest, RunExecutesAScriptWithAnswers)
+{
+    SaveTopography("t.tif");
+    WriteFileBytes(Path("script.txt"),
+                   "# open, look, save under a new name, close everything\n"
+                   "OpenSTMData 0 \"t.tif\"\n"
+                   "info\n"
+                   "GetDisplayParam\n"
+                   "SetDisplayParam DispMode=2 ContourLevels=8\n"
+                   "GetDisplayParam\n"
+                   "SaveData 1 copy.tif 0 0\n"
+                   "answer yes\n"
+                   "EraseAllData\n"
+                   "GetCurrentImagePtr\n");
+    HostRun run = Run("run script.txt");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "OpenSTMData = 0\n")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "title:  Topography(FW)\n")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "GetDisplayParam ImageDisplaySize=512 wint_TextOverlay=0 DispMode=2 ContourLevels=8"))
+        << run.out;
+    EXPECT_TRUE(Contains(run.out, "SaveData = 0\n")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "GetCurrentImagePtr = null\n")) << run.out;
+    EXPECT_TRUE(fs::exists(Path("copy.tif")));
+}
+
+TEST_F(HostCliTest, RunReadsStandardInputAndDeclinedQuestionsKeepTheData)
+{
+    SaveTopography("t.tif");
+    HostRun run = Run("run -", "OpenSTMData 0 t.tif\nanswer no\nEraseAllData\nGetCurrentImagePtr\n");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "GetCurrentImagePtr = item ")) << run.out;
+}
+
+TEST_F(HostCliTest, RunStopsAtABadLineAndNamesIt)
+{
+    WriteFileBytes(Path("bad.txt"), "GetRevisionNumber\n\nNoSuchEntry 1\nGetRevisionNumber\n");
+    HostRun run = Run("run bad.txt");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.out, "GetRevisionNumber = 700\n");
+    EXPECT_TRUE(Contains(run.err, "tavrin: bad.txt:3: unknown command 'NoSuchEntry'\n")) << run.err;
+
+    WriteFileBytes(Path("bad2.txt"), "SetDataItem one\n");
+    run = Run("run bad2.txt");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Contains(run.err, "tavrin: bad2.txt:1: not a number: 'one'\n")) << run.err;
+
+    WriteFileBytes(Path("bad3.txt"), "GetRevisionNumber 5\n");
+    run = Run("run bad3.txt");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Contains(run.err, "tavrin: bad3.txt:1: too many arguments: '5'\n")) << run.err;
+
+    WriteFileBytes(Path("bad4.txt"), "SetDisplayParam Colour=3\n");
+    run = Run("run bad4.txt");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Contains(run.err, "tavrin: bad4.txt:1: no field 'Colour' in this record\n")) << run.err;
+}
+
+TEST_F(HostCliTest, ARunWhoseEntryPointReportsAnErrorExitsOne)
+{
+    HostRun run = Run("run -", "OpenSTMData 0 missing.tif\n");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Contains(run.err, "tavrin: ")) << run.err;
+}
+
+TEST_F(HostCliTest, DemoFinishesAndItsFilesLoadAgain)
+{
+    HostRun run = Run("demo --out tour");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "4 of 4 items loaded again with the data they were saved with.")) << run.out;
+    for (const char* picture : {"topography-plain", "topography-shaded", "topography-contour", "topography-full",
+                                "lattice-plain", "lattice-shaded"}) {
+        const std::string path = Path(std::string("tour/") + picture + ".png");
+        EXPECT_TRUE(Contains(run.out, "picture: tour/" + std::string(picture) + ".png\n")) << picture;
+        png_check::DecodedPng png = png_check::DecodePngFile(fs::path(data), path, 3);
+        EXPECT_EQ(png.mode, "RGB") << picture;
+        EXPECT_EQ(png.width, 512) << picture;
+        EXPECT_EQ(png.height, 512) << picture;
+    }
+    host.Start();
+    const struct {
+        const char* file;
+        int nx;
+    } files[] = {{"tour/topography.tif", SampleTopography::kSize},
+                 {"tour/lattice.tif", SampleLattice::kSize},
+                 {"tour/iv-curve.spc", SampleIVCurve::kPoints},
+                 {"tour/force-curve.spc", SampleForceCurve::kPoints}};
+    for (const auto& f : files) {
+        ImageHeaderType* before = CurrentItem;
+        dl_OpenSTMData(0, Path(f.file).c_str());
+        ASSERT_NE(CurrentItem, before) << f.file;
+        EXPECT_EQ(CurrentItem->nx, f.nx) << f.file;
+    }
+}
+
+} // namespace

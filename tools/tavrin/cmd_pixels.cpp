@@ -1,0 +1,41 @@
+// tavrin pixels FILE -o OUT: the item's data block as it is in memory.
+#include "command_line.h"
+#include "items.h"
+
+#include <cstdio>
+
+namespace {
+
+int Pixels(const Args& args)
+{
+    CommandLine line = ParseCommandLine(args, {"-o"}, {}, 1, 1);
+    const std::string out = line.Value("-o");
+    if (out.empty()) throw UsageError("pixels needs -o OUT");
+    ImageHeaderType* item = OpenItem(line.words[0]);
+    if (!item) return 1;
+    if (!item->PixData) {
+        std::fprintf(stderr, "tavrin pixels: the item has no data block\n");
+        return 1;
+    }
+    // An image holds nx by ny codes (u16, row 0 first); a spectrum nx f32 Y values, then nx
+    // f32 X values. Both are little-endian in memory on this platform.
+    const bool image = (dl_IsCurrentDataTypeImage() & TV_DATA_IMAGE_CLASS) != 0;
+    const size_t bytes = image ? static_cast<size_t>(item->nx) * static_cast<size_t>(item->ny) * 2
+                               : static_cast<size_t>(item->nx) * 8;
+    FILE* f = std::fopen(out.c_str(), "wb");
+    if (!f) {
+        std::fprintf(stderr, "tavrin pixels: cannot create '%s'\n", out.c_str());
+        return 1;
+    }
+    const bool written = std::fwrite(item->PixData, 1, bytes, f) == bytes;
+    if (std::fclose(f) != 0 || !written) {
+        std::fprintf(stderr, "tavrin pixels: cannot write '%s'\n", out.c_str());
+        return 1;
+    }
+    std::printf("%s: %zu bytes\n", out.c_str(), bytes);
+    return 0;
+}
+
+} // namespace
+
+int CommandPixels(const Args& args) { return RunCommand("pixels", Pixels, args); }

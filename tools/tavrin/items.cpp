@@ -1,0 +1,60 @@
+#include "items.h"
+#include "session.h"
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+
+ImageHeaderType* OpenItem(const std::string& path)
+{
+    ImageHeaderType* before = dl_GetCurrentImagePtr();
+    const bool failedBefore = Session().errorReported;
+    Session().errorReported = false;
+    dl_OpenSTMData(0, path.c_str());
+    ImageHeaderType* item = dl_GetCurrentImagePtr();
+    const bool failed = Session().errorReported || item == before || !item;
+    Session().errorReported = Session().errorReported || failedBefore;
+    return failed ? nullptr : item;
+}
+
+wint_SaveFileType SaveTypeFor(const std::string& path, bool eightBit)
+{
+    static const std::map<std::string, wint_SaveFileType> types = {
+        {".tif", TV_SAVE_TIFF_16}, {".tiff", TV_SAVE_TIFF_16}, {".bin", TV_SAVE_RAW},
+        {".bft", TV_SAVE_RAW_COMPLEX}, {".asc", TV_SAVE_ASCII}, {".aft", TV_SAVE_ASCII_COMPLEX},
+        {".spc", TV_SAVE_SPECTRUM}, {".dat", TV_SAVE_TABLE}, {".hdr", TV_SAVE_HEADER},
+    };
+    size_t dot = path.find_last_of('.');
+    size_t slash = path.find_last_of("/\\");
+    if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return 0;
+    std::string ext = path.substr(dot);
+    std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
+    auto found = types.find(ext);
+    if (found == types.end()) return 0;
+    return found->second == TV_SAVE_TIFF_16 && eightBit ? TV_SAVE_TIFF_8 : found->second;
+}
+
+bool SaveCurrentItem(const std::string& path, bool eightBit)
+{
+    wint_SaveFileType type = SaveTypeFor(path, eightBit);
+    if (type == 0) return false;
+    return dl_SaveData(type, path.c_str(), 0, 0) == 0;
+}
+
+void ShowCurrentItem(const ShowOptions& options)
+{
+    wint_DisplayParamType display;
+    dl_GetDisplayParam(&display);
+    display.DispMode = options.mode;
+    if (options.size >= 0) display.ImageDisplaySize = options.size;
+    display.FullDisplayOn = options.full ? 1 : 0;
+    dl_SetDisplayParam(&display);
+    if (options.table >= 0) {
+        wint_ColourParamType colour;
+        dl_GetColourParam(&colour);
+        colour.ColourTableNo = static_cast<int16_t>(options.table);
+        dl_SetColourParam(&colour);
+    }
+    dl_ClearFrameStore();
+    dl_DisplayData();
+}

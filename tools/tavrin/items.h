@@ -1,0 +1,29 @@
+// Opening, showing and saving items from the host's commands.
+#pragma once
+
+#include <string>
+
+#include "tavrin/tavrin.h"
+
+// Opens the file with dl_OpenSTMData; answers the new current item, or null when the library
+// reported an error or no item came (the error is on standard error already).
+ImageHeaderType* OpenItem(const std::string& path);
+
+// The save type that the extension of `path` names (".tif" 16 bits, or 8 with `eightBit`;
+// ".bin", ".bft", ".asc", ".aft", ".spc", ".dat", ".hdr"), 0 for an unknown extension.
+wint_SaveFileType SaveTypeFor(const std::string& path, bool eightBit);
+
+// Saves the current item with dl_SaveData, overwriting without a question; false on failure.
+bool SaveCurrentItem(const std::string& path, bool eightBit);
+
+// How an image is shown: display mode 0 to 4, display size (0: its own size up to 512),
+// colour table 0 to 7 (-1: the one in force), and the full display.
+struct ShowOptions {
+    int mode = 0;
+    int size = -1;
+    int table = -1;
+    bool full = false;
+};
+
+// Clears the current frame store and shows the current item in it with the options.
+void ShowCurrentItem(const ShowOptions& options);
