@@ -182,6 +182,22 @@ TEST_F(DataListSelectTest, ClassLettersOfEveryKindOfItem)
     d->ImType1 = 1;
 }
 
+TEST_F(DataListSelectTest, WhereSeveralRowsOfTheLetterTableApplyTheFirstWins)
+{
+    // The rows in order: S, C, F, I.
+    BuildMixedList();
+    SetCITSBlock(s, StandInMappingSet());   // a spectrum with a mapping block stays S
+    EXPECT_EQ(ClassLetter(s), 'S');
+    SetCITSBlock(s, nullptr);
+    SetFFTBlock(a, f->FFTDataPtr);          // an image with FFT data is F, not I
+    EXPECT_EQ(ClassLetter(a), 'F');
+    SetCITSBlock(a, StandInMappingSet());   // and with a mapping set as well, C
+    EXPECT_EQ(ClassLetter(a), 'C');
+    SetCITSBlock(a, nullptr);
+    SetFFTBlock(a, nullptr);
+    EXPECT_EQ(ClassLetter(a), 'I');
+}
+
 TEST_F(DataListSelectTest, TheLongDescriptorOfMode16ByteForByte)
 {
     BuildMixedList();

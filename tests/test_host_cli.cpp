@@ -10,6 +10,7 @@
 #include "store/data_list.h"
 #include "store/image_header.h"
 #include "store/memory.h"
+#include "store/units.h"
 #include "test_tiff_support.h"
 
 #include <sys/wait.h>
@@ -133,6 +134,18 @@ TEST_F(HostCliTest, InfoJsonOfAFileWeWroteHasTheFieldsWeSet)
     // The path as it was passed.
     EXPECT_TRUE(Contains(run.out, "\"FileName\": \"set.tif\"")) << run.out;
     EXPECT_EQ(run.out.back(), '\n');
+}
+
+TEST_F(HostCliTest, InfoJsonUnitIsTheUnitOfTheStoredValuesAtExponentZero)
+{
+    // The lattice spans some 0.04 nm: a display would show it in pm, the stored values are nm.
+    ImageHeaderType* item = MakeSampleLattice(nullptr);
+    ASSERT_NE(item, nullptr);
+    ASSERT_EQ(saveTiffImage(item, Path("lattice.tif").c_str(), 0), 0);
+    ASSERT_STREQ(GetImageUnitStr(item, -3, 0), "pm");
+    HostRun run = Run("info lattice.tif --json");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "\"unit\": \"nm\", \"header\"")) << run.out;
 }
 
 TEST_F(HostCliTest, InfoOfAMissingFileReportsTheErrorAndExitsOne)

@@ -94,3 +94,22 @@ TEST_F(PlatformClockTest, TheHeadlessDefaultAnswersTheDefaultButtonAndLogsThePro
     EXPECT_EQ(PlatformFileDialog(true, "", "tif", "Open", "", path, sizeof path), 0);
     EXPECT_STREQ(path, "unchanged");
 }
+
+TEST_F(PlatformClockTest, TheDayOfWeekOfTheDosDateCountsFromZeroOnSunday)
+{
+    // The real clock: its day of the week against the date, by Sakamoto's rule (0 = Sunday).
+    SetClockForTests(nullptr);
+    LocalTime t = GetLocalTime();
+    static const int offsets[12] = {0, 3, 2, 5, 0, 3, 5, 1, 4, 6, 2, 4};
+    int y = t.year - (t.month < 3 ? 1 : 0);
+    int expected = (y + y / 4 - y / 100 + y / 400 + offsets[t.month - 1] + t.day) % 7;
+    EXPECT_EQ(t.dayOfWeek, expected);
+    EXPECT_EQ(ToDosDate(t).dayofweek, expected);
+    // Saturday 28 November 2026 is 6, the Sunday after it 0.
+    LocalTime saturday{2026, 11, 6, 28, 9, 0, 0, 0};
+    SetClockForTests(&saturday);
+    EXPECT_EQ(ToDosDate(GetLocalTime()).dayofweek, 6);
+    LocalTime sunday{2026, 11, 0, 29, 9, 0, 0, 0};
+    SetClockForTests(&sunday);
+    EXPECT_EQ(ToDosDate(GetLocalTime()).dayofweek, 0);
+}
