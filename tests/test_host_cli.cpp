@@ -19,6 +19,9 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <regex>
+#include <set>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -337,6 +340,29 @@ TEST_F(HostCliTest, RunStopsAtABadLineAndNamesIt)
     run = Run("run bad4.txt");
     EXPECT_EQ(run.status, 2);
     EXPECT_TRUE(Contains(run.err, "tavrin: bad4.txt:1: no field 'Colour' in this record\n")) << run.err;
+}
+
+TEST_F(HostCliTest, EveryEntryPointOfThePublicHeadersIsReachableFromAScript)
+{
+    HostRun run = Run("run -", "entries\n");
+    ASSERT_EQ(run.status, 0) << run.err;
+    std::set<std::string> names;
+    std::istringstream lines(run.out);
+    for (std::string line; std::getline(lines, line);) names.insert(line);
+    // The host's start and end are not script lines.
+    const std::set<std::string> hostLife = {"Initialise", "Finish", "SetPlatformTable"};
+    const std::regex declaration(R"(TAVRIN_API[^;(]*\bdl_([A-Za-z0-9_]+)\s*\()");
+    int declared = 0;
+    for (const auto& header : fs::directory_iterator(fs::path(TAVRIN_SOURCE_DIR) / "include" / "tavrin")) {
+        const std::string text = ReadFileBytes(header.path().string());
+        for (std::sregex_iterator m(text.begin(), text.end(), declaration), end; m != end; ++m) {
+            const std::string name = (*m)[1];
+            ++declared;
+            if (hostLife.count(name)) continue;
+            EXPECT_TRUE(names.count(name)) << "dl_" << name << " in " << header.path();
+        }
+    }
+    EXPECT_GT(declared, 80);
 }
 
 TEST_F(HostCliTest, ARunWhoseEntryPointReportsAnErrorExitsOne)

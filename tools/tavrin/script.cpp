@@ -68,6 +68,10 @@ const std::map<std::string, const ScriptEntry*>& EntryIndex()
     return index;
 }
 
+const char* const kHostCommands[] = {"answer", "render", "info", "entries", "Error", "Log2Disk",
+                                     "OutputDebugString", "SaveWindow", "VFS_open_vfs", "VFS_close_vfs",
+                                     "VFS_set_current_vfs"};
+
 // Host commands of a script that are not entry points of the library.
 bool RunHostCommand(const std::string& name, const std::vector<std::string>& words, const bool* quoted, FILE* out)
 {
@@ -85,6 +89,13 @@ bool RunHostCommand(const std::string& name, const std::vector<std::string>& wor
     }
     if (name == "info") {
         PrintItemInfo(out, words.size() > 1 && words[1] == "--json");
+        return true;
+    }
+    if (name == "entries") {
+        // Every name a script line can start with: the library's entry points, then the
+        // host's own commands.
+        for (const ScriptEntry& e : ScriptEntries()) std::fprintf(out, "%s\n", e.name);
+        for (const char* c : kHostCommands) std::fprintf(out, "%s\n", c);
         return true;
     }
     if (name == "Error") {

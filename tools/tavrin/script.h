@@ -5,7 +5,11 @@
 //   answer yes|no|cancel|ok|NUMBER|"TEXT"
 //                         queues the answer of the next prompt
 //   render OUT.png        writes the picture of the current frame store
-//   info                  prints the current item
+//   info [--json]         prints the current item
+//   entries               lists every name a line can start with
+//   Error, Log2Disk, OutputDebugString, SaveWindow PATH, VFS_open_vfs N, VFS_close_vfs N,
+//   VFS_set_current_vfs N the entry points that take a variable argument list or the host's
+//                         own buffers, served by the host
 //   # ...                 a comment
 #pragma once
 
