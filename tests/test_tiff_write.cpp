@@ -270,10 +270,10 @@ TEST_F(TiffWriteTest, DeclinedAttachedSpectraGiveCountZeroInTheFileWhileTheRecor
     SetSPSRefChain(image, spectrum);
     image->nSPSRefData = 1;
     host.messageBoxAnswers.push_back(TV_IDNO);
-    ASSERT_EQ(saveTiffImage(image, Path("spec.tif").c_str(), 0), 0);
+    ASSERT_EQ(saveTiffImage(image, Path("spectra.tif").c_str(), 0), 0);
     ASSERT_EQ(host.messageBoxes.size(), 1u);
     EXPECT_EQ(host.messageBoxes[0].text, "Save 1 spectra attached to this image?");
-    const std::string f = ReadFileBytes(Path("spec.tif"));
+    const std::string f = ReadFileBytes(Path("spectra.tif"));
     EXPECT_EQ(U16(f, 2774), 0);
     EXPECT_EQ(image->nSPSRefData, 1);
     EXPECT_EQ(f.size(), 7124u + 512);
