@@ -318,6 +318,31 @@ TEST_F(HostCliTest, RunReadsStandardInputAndDeclinedQuestionsKeepTheData)
     EXPECT_TRUE(Contains(run.out, "GetCurrentImagePtr = item ")) << run.out;
 }
 
+TEST_F(HostCliTest, AnUnansweredQuestionTakesItsDefaultAndIsPrinted)
+{
+    SaveTopography("t.tif");
+    // "Close all data ?" defaults to No: the data stay, and the question goes to stderr.
+    HostRun run = Run("run -", "OpenSTMData 0 t.tif\nEraseAllData\nGetCurrentImagePtr\n");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.err, "Tavrin Processing: Close all data ?   [No]\n")) << run.err;
+    EXPECT_TRUE(Contains(run.out, "GetCurrentImagePtr = item ")) << run.out;
+    // --yes answers it, and nothing is printed.
+    run = Run("--yes run -", "OpenSTMData 0 t.tif\nEraseAllData\nGetCurrentImagePtr\n");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_FALSE(Contains(run.err, "Close all data")) << run.err;
+    EXPECT_TRUE(Contains(run.out, "GetCurrentImagePtr = null\n")) << run.out;
+}
+
+TEST_F(HostCliTest, VerbosePrintsTheLogLines)
+{
+    HostRun run = Run("-v run -", "Log2Disk \"a line of the log\"\n");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "SPM command log on ")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "a line of the log")) << run.out;
+    run = Run("run -", "Log2Disk \"a line of the log\"\n");
+    EXPECT_EQ(run.out, "");
+}
+
 TEST_F(HostCliTest, RunStopsAtABadLineAndNamesIt)
 {
     WriteFileBytes(Path("bad.txt"), "GetRevisionNumber\n\nNoSuchEntry 1\nGetRevisionNumber\n");
