@@ -114,7 +114,7 @@ void Set3DParam(const C3DParam* param)
     const uint32_t id = param->DataId;
     ImageHeaderType* image = FindItemById(id);
     if (!image || !CheckHeaderIsImageType(image)) {
-        ProgramError("dl_Set3DParam ImId=%d %p", static_cast<int>(id), static_cast<void*>(image));
+        ProgramError("dl_Set3DParam ImId=%d %p", static_cast<int>(id), static_cast<const void*>(param));
         return;
     }
     std::memcpy(image->View3DBlock, param->View3DBlock, sizeof image->View3DBlock);
