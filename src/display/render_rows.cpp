@@ -32,6 +32,8 @@ struct RowWriter {
     int32_t acc[kLongestRow];     // the row accumulator
     uint16_t prev[kLongestRow];   // the previous-row store
     uint8_t row[kLongestRow];     // the indices of the row being written
+    uint16_t level[kLongestRow];  // the levels of the row being compared
+    uint16_t entry[kLongestRow];  // the colour map entries of the row being compared
     int bandMask = 0, inBandMask = 0, shift = 0, edgeBit = 0;
     int shiftSum = 0;
     int nx = 0, ny = 0;           // data size of the image in writing
@@ -57,43 +59,63 @@ int Log2Floor(int value)
 
 int Mode() { return FSState.LineDispMode >= 0 && FSState.LineDispMode < kDisplayModes ? FSState.LineDispMode : 0; }
 
-// The contour rule of modes 2 to 4.
-inline uint8_t ContourIndex(const uint8_t* map, int cur, int left, int above)
+// Modes 1 to 4 on the row of levels in `level`, from point `first` to `last` (absolute point
+// numbers; the level of point first - 1 is there too when first is above 0): the indices go to
+// `out`, and each level becomes the stored above value of its point. The first point of a row
+// has index 0. The work is split in two passes: the colour map entry of each point, without
+// branches and on whole arrays, so that the compiler can do many points at once; then the
+// look-up of the entries in ColourMap.
+void ComparingRow(int mode, int first, int last, uint8_t* out)
 {
-    const RowWriter& w = g_writer;
-    const int band = cur & w.bandMask;
-    if (band == (left & w.bandMask) && band == (above & w.bandMask)) return map[(cur & w.inBandMask) >> w.shift];
-    const int v = std::max({cur, left, above});
-    return map[((v & w.bandMask) >> w.shift) | w.edgeBit];
-}
-
-inline uint8_t ShadingIndex(const uint8_t* map, int cur, int left, int above)
-{
-    const int a = std::clamp(left - cur + 16, 0, 31);
-    const int b = std::clamp(above - cur + 16, 0, 31);
-    return map[a + 32 * b];
-}
-
-// Modes 1 to 4 on a row of levels from `first` to `last` (absolute point numbers): the
-// indices go to `out`, and each level becomes the stored above value of its point.
-template <typename LevelOf>
-void ComparingRow(int mode, int first, int last, LevelOf levelOf, uint8_t* out)
-{
-    const uint8_t* map = FSState.ColourMap;
-    uint16_t* prev = g_writer.prev;
-    int left = first > 0 ? levelOf(first - 1) : 0;
-    for (int x = first; x <= last; ++x) {
-        const int cur = levelOf(x);
-        const int above = prev[x];
-        if (x == 0)
-            out[x] = 0;
-        else if (mode == 1)
-            out[x] = ShadingIndex(map, cur, left, above);
-        else
-            out[x] = ContourIndex(map, cur, left, above);
-        prev[x] = static_cast<uint16_t>(cur);
-        left = cur;
+    if (first > last) return;
+    RowWriter& w = g_writer;
+    int x = first;
+    if (x == 0) {
+        out[0] = 0;
+        w.prev[0] = w.level[0];
+        x = 1;
     }
+    const int from = x;
+    if (mode == 1) {
+        // Relief: entry a + 32 b, a = left - cur + 16 and b = above - cur + 16, each 0 to 31.
+        for (x = from; x <= last; ++x) {
+            const int cur = w.level[x], left = w.level[x - 1], above = w.prev[x];
+            const int a = std::min(std::max(left - cur + 16, 0), 31);
+            const int b = std::min(std::max(above - cur + 16, 0), 31);
+            w.entry[x] = static_cast<uint16_t>(a + 32 * b);
+            w.prev[x] = static_cast<uint16_t>(cur);
+        }
+    } else {
+        // Contours: within one band under BandMask, entry (cur & InBandMask) >> Shift; else the
+        // band of the largest of the three, ((v & BandMask) >> Shift) | EdgeBit.
+        const int bandMask = w.bandMask, inBandMask = w.inBandMask, shift = w.shift, edgeBit = w.edgeBit;
+        for (x = from; x <= last; ++x) {
+            const int cur = w.level[x], left = w.level[x - 1], above = w.prev[x];
+            const int band = cur & bandMask;
+            const int differs = (band ^ (left & bandMask)) | (band ^ (above & bandMask));
+            const int v = std::max(cur, std::max(left, above));
+            const int inside = (cur & inBandMask) >> shift;
+            const int edge = ((v & bandMask) >> shift) | edgeBit;
+            w.entry[x] = static_cast<uint16_t>(differs == 0 ? inside : edge);
+            w.prev[x] = static_cast<uint16_t>(cur);
+        }
+    }
+    const uint8_t* map = FSState.ColourMap;
+    for (x = from; x <= last; ++x) out[x] = map[w.entry[x]];
+}
+
+// The levels of points from `first` - 1 (when there is such a point) to `last` into the level
+// row: the level of a code, or of an accumulator value shifted by `shiftSum`, at most 255.
+void CodeLevels(const uint16_t* data, int first, int last)
+{
+    for (int x = std::max(first - 1, 0); x <= last; ++x) g_writer.level[x] = static_cast<uint16_t>(data[x] >> 8);
+}
+
+void SumLevels(int first, int last, int shiftSum)
+{
+    RowWriter& w = g_writer;
+    for (int x = std::max(first - 1, 0); x <= last; ++x)
+        w.level[x] = static_cast<uint16_t>(std::min((w.acc[x] >> 8) >> shiftSum, kMaxLevel));
 }
 
 // A row written to the frame: along a row, or down a column.
@@ -122,7 +144,8 @@ void RowAtFactor1(int line, const uint16_t* data, int xs, int n, int vertDisp)
         uint8_t* dst = out + xs;
         for (int i = 0; i < n; ++i) dst[i] = map[src[i] >> 8];
     } else {
-        ComparingRow(mode, xs, xs + n - 1, [data](int x) { return data[x] >> 8; }, out);
+        CodeLevels(data, xs, xs + n - 1);
+        ComparingRow(mode, xs, xs + n - 1, out);
         if (outline) return;
     }
     WriteRow(out, xs, n, line, vertDisp);
@@ -211,7 +234,8 @@ void ReducedRows(int line, int xs, int n)
         const uint8_t* map = FSState.ColourMap;
         for (int x = xs; x < xs + n; ++x) out[x] = map[LevelOfSum(acc[x], shiftSum)];
     } else {
-        ComparingRow(mode, xs, xs + n - 1, [acc, shiftSum](int x) { return LevelOfSum(acc[x], shiftSum); }, out);
+        SumLevels(xs, xs + n - 1, shiftSum);
+        ComparingRow(mode, xs, xs + n - 1, out);
     }
     std::fill(acc + xs, acc + xs + n, 0);
     if (mode >= 2 && r == 0 && FSState.NPixelsY == 1) return;
@@ -243,7 +267,8 @@ void MagnifiedRows(int line, int xs, int n)
         }
         for (int x = xs; x < xs + n; ++x) prev[x] = static_cast<uint16_t>(acc[x] & 0xffff);
     } else {
-        ComparingRow(mode, xs, xs + n - 1, [acc](int x) { return LevelOfSum(acc[x], 0); }, out);
+        SumLevels(xs, xs + n - 1, 0);
+        ComparingRow(mode, xs, xs + n - 1, out);
         for (int k = 0; k < f; ++k) {
             const int frameRow = k + line * f;
             if (visible(frameRow)) WriteRow(out, xs, n, frameRow, 0);
