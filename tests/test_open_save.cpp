@@ -450,6 +450,18 @@ TEST_F(OpenSaveTest, AFailureToCreateAnswersZeroWithoutLeavingTheEntryPoint)
     EXPECT_EQ(host.messageBoxes[0].text, Path("nodir/new.tif") + " contain an invalid path (exception=3)");
 }
 
+TEST_F(OpenSaveTest, APathTooLongForItsTestNameIsABadPathAndTouchesNoFile)
+{
+    // A test name cut to 263 characters would be the first 263 characters of the path itself.
+    const std::string path = Path("") + std::string(300 - Path("").size(), 'p');
+    const std::string cut = path.substr(0, 263);
+    WriteFileBytes(cut, "precious");
+    EXPECT_EQ(dl_CanOpenFile(path.c_str(), 0), 0);
+    EXPECT_EQ(ReadFileBytes(cut), "precious");
+    ASSERT_EQ(host.messageBoxes.size(), 1u);
+    EXPECT_EQ(host.messageBoxes[0].text, path + " contain an invalid path (exception=3)");
+}
+
 TEST_F(OpenSaveTest, TheImageFileNameWithAndWithoutPathAndExtension)
 {
     ImageHeaderType* image = MakeImage(16);

@@ -216,8 +216,13 @@ int CanOpenFile(const char* path, int mode)
         FileClose(file);
         return 1;
     }
+    // The test file must be exactly the path with ".dum": a name cut short to fit could be
+    // some other file, which the test would empty and delete.
     char test[kPathBytes + 4];
-    std::snprintf(test, sizeof test, "%s.dum", path);
+    if (std::snprintf(test, sizeof test, "%s.dum", path) >= static_cast<int>(sizeof test)) {
+        ShowInvalidPath(path, kBadPath);
+        return 0;
+    }
     const FileHandle file = FileCreate(test);
     const int createError = errno;
     if (file == kInvalidFile) {

@@ -63,7 +63,9 @@ int SelectDataForSaving();
 // Whether a path can be used: `mode` non-zero opens it for reading; zero creates the path
 // with ".dum" appended and deletes it again. A failure shows "%s contain an invalid path
 // (exception=%d)" with the cause in the numbering of the desktop platform's file exceptions,
-// or "%s contain an invalid path" when the test file stays. Non-zero when the path can be used.
+// or "%s contain an invalid path" when the test file stays. A path too long for its test name
+// (259 characters and ".dum") is a bad path, and no file is made. Non-zero when the path can be
+// used.
 int CanOpenFile(const char* path, int mode);
 
 // The file name of the record (the current item when null) into `text` (260 bytes). A name of
