@@ -354,3 +354,22 @@ TEST_F(AttachedSpectraTest, AShortWriteAmongTheSpectraFailsTheSaveAndLeavesTheLi
     EXPECT_EQ(image->nSPSRefData, 2);
     EXPECT_EQ(Chain(image).size(), 2u);
 }
+
+TEST_F(AttachedSpectraTest, TheImageItselfIsNotCountedAmongTheSpectraThatReferToIt)
+{
+    // The question counts the other items only; the writer must compare with that same count,
+    // or the spectra the user agreed to save would be dropped.
+    ImageHeaderType* image = MakeImage(16);
+    ImageHeaderType* spectrum = MakeSpectrumItem(5, 30);
+    image->SPSOwnerId = static_cast<int32_t>(image->DataId);
+    spectrum->SPSOwnerId = static_cast<int32_t>(image->DataId);
+    const std::string stored = Stored(spectrum);
+    host.messageBoxAnswers.push_back(TV_IDYES);
+    ASSERT_EQ(saveTiffImage(image, Path("self.tif").c_str(), 0), 0);
+    ASSERT_EQ(host.messageBoxes.size(), 1u);
+    EXPECT_EQ(host.messageBoxes[0].text, "Save 1 spectra referencing this image?");
+    const std::string file = ReadFileBytes(Path("self.tif"));
+    EXPECT_EQ(U16(file, 2774), 1);
+    ASSERT_EQ(file.size(), 7124u + 512 + SpectrumBytes(5));
+    EXPECT_EQ(file.substr(7124 + 512, 6090), stored);
+}

@@ -46,6 +46,21 @@ bool WriteOneSpectrum(FileHandle file, const ImageHeaderType* spectrum)
     return false;
 }
 
+// An item of the data list that refers to the image: the rule by which the save asked about
+// them, so that the count compared on writing is the count the user agreed to.
+bool RefersTo(const ImageHeaderType* item, const ImageHeaderType* image)
+{
+    return item != image && item->SPSOwnerId >= 0 && static_cast<uint32_t>(item->SPSOwnerId) == image->DataId;
+}
+
+int CountReferring(const ImageHeaderType* image)
+{
+    int n = 0;
+    for (const ImageHeaderType* p = FirstItem; p; p = p->Next)
+        if (RefersTo(p, image)) ++n;
+    return n;
+}
+
 } // namespace
 
 int CountOwnedSpectra(int32_t dataId)
@@ -93,11 +108,9 @@ int WriteSPSRefData(FileHandle file, const ImageHeaderType* image, int owned, in
         return 0;
     }
     int written = 0;
-    const int32_t id = static_cast<int32_t>(image->DataId);
-    if (owned > 0 && CountOwnedSpectra(id) == owned) {
+    if (owned > 0 && CountReferring(image) == owned) {
         for (const ImageHeaderType* p = FirstItem; p; p = p->Next)
-            if (p != image && p->SPSOwnerId == id && IsSpectrumClass(p->ImType1) && WriteOneSpectrum(file, p))
-                ++written;
+            if (RefersTo(p, image) && IsSpectrumClass(p->ImType1) && WriteOneSpectrum(file, p)) ++written;
     }
     int taken = 0;
     for (const ImageHeaderType* s = image->SPSRefDataPtr; s && taken < chained; s = s->SPSRefDataPtr, ++taken)
