@@ -78,26 +78,30 @@ void ComparingRow(int mode, int first, int last, uint8_t* out)
     const int from = x;
     if (mode == 1) {
         // Relief: entry a + 32 b, a = left - cur + 16 and b = above - cur + 16, each 0 to 31.
+        // Levels are at most 255: all of it fits in 16-bit lanes.
         for (x = from; x <= last; ++x) {
-            const int cur = w.level[x], left = w.level[x - 1], above = w.prev[x];
-            const int a = std::min(std::max(left - cur + 16, 0), 31);
-            const int b = std::min(std::max(above - cur + 16, 0), 31);
+            const int16_t cur = static_cast<int16_t>(w.level[x]), left = static_cast<int16_t>(w.level[x - 1]),
+                          above = static_cast<int16_t>(w.prev[x]);
+            const int16_t a = std::min<int16_t>(std::max<int16_t>(static_cast<int16_t>(left - cur + 16), 0), 31);
+            const int16_t b = std::min<int16_t>(std::max<int16_t>(static_cast<int16_t>(above - cur + 16), 0), 31);
             w.entry[x] = static_cast<uint16_t>(a + 32 * b);
             w.prev[x] = static_cast<uint16_t>(cur);
         }
     } else {
         // Contours: within one band under BandMask, entry (cur & InBandMask) >> Shift; else the
         // band of the largest of the three, ((v & BandMask) >> Shift) | EdgeBit.
-        const int bandMask = w.bandMask, inBandMask = w.inBandMask, shift = w.shift, edgeBit = w.edgeBit;
+        const uint16_t bandMask = static_cast<uint16_t>(w.bandMask), inBandMask = static_cast<uint16_t>(w.inBandMask),
+                       edgeBit = static_cast<uint16_t>(w.edgeBit);
+        const int shift = w.shift;
         for (x = from; x <= last; ++x) {
-            const int cur = w.level[x], left = w.level[x - 1], above = w.prev[x];
-            const int band = cur & bandMask;
-            const int differs = (band ^ (left & bandMask)) | (band ^ (above & bandMask));
-            const int v = std::max(cur, std::max(left, above));
-            const int inside = (cur & inBandMask) >> shift;
-            const int edge = ((v & bandMask) >> shift) | edgeBit;
-            w.entry[x] = static_cast<uint16_t>(differs == 0 ? inside : edge);
-            w.prev[x] = static_cast<uint16_t>(cur);
+            const uint16_t cur = w.level[x], left = w.level[x - 1], above = w.prev[x];
+            const uint16_t band = cur & bandMask;
+            const uint16_t differs = static_cast<uint16_t>((band ^ (left & bandMask)) | (band ^ (above & bandMask)));
+            const uint16_t v = std::max(cur, std::max(left, above));
+            const uint16_t inside = static_cast<uint16_t>((cur & inBandMask) >> shift);
+            const uint16_t edge = static_cast<uint16_t>(((v & bandMask) >> shift) | edgeBit);
+            w.entry[x] = differs == 0 ? inside : edge;
+            w.prev[x] = cur;
         }
     }
     const uint8_t* map = FSState.ColourMap;
