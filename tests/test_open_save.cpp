@@ -386,6 +386,16 @@ TEST_F(OpenSaveTest, TheSeriesSaveUsesTheCleanedNameAndGoesOnWithThePickedItem)
     EXPECT_EQ(CurrentItem, b);
     ASSERT_EQ(host.Calls("ap_SelectDataDialog").size(), 1u);
     EXPECT_EQ(host.Calls("ap_SelectDataDialog")[0].args, "0 8");
+    // The series save runs the save command, then the pick command, each traced in turn.
+    const std::string log = ReadLog();
+    const size_t series = log.find("dl_pb_SaveDataAndRepeat: 1 ");
+    const size_t save = log.find("dl_SaveData: 1 'x\x82yz.tif' 0");
+    const size_t pick = log.find("dl_SelectDataForSaving");
+    ASSERT_NE(series, std::string::npos);
+    ASSERT_NE(save, std::string::npos);
+    ASSERT_NE(pick, std::string::npos);
+    EXPECT_LT(series, save);
+    EXPECT_LT(save, pick);
 }
 
 TEST_F(OpenSaveTest, AFailedSeriesSaveAnswersOneAndPicksNoItem)

@@ -186,6 +186,8 @@ int SaveDataAndRepeat(int type, const char* name, int flag)
     char clean[kPathBytes];
     CleanSaveName(name, clean, sizeof clean);
     if (SaveData(type, clean, flag, 1) != 0) return 1;
+    // The pick is the host's own command run from here, and its trace shows it so.
+    TraceEntry("dl_SelectDataForSaving");
     return SelectDataForSaving() < 0 ? 1 : 0;
 }
 
