@@ -20,24 +20,6 @@
 
 #pragma pack(push, 1)
 
-/* A font description, 60 bytes: the height counts tenths of a point. */
-typedef struct TvLogFont {
-    int32_t lfHeight;
-    int32_t lfWidth;
-    int32_t lfEscapement;
-    int32_t lfOrientation;
-    int32_t lfWeight;
-    uint8_t lfItalic;
-    uint8_t lfUnderline;
-    uint8_t lfStrikeOut;
-    uint8_t lfCharSet;
-    uint8_t lfOutPrecision;
-    uint8_t lfClipPrecision;
-    uint8_t lfQuality;
-    uint8_t lfPitchAndFamily;
-    char lfFaceName[32];
-} TAVRIN_PACKED TvLogFont;
-
 /* The display settings, 395 bytes. */
 typedef struct wint_DisplayParamType {
     int32_t ImageDisplaySize;   /*   0  0: own size up to 512; else the edge of every image */
@@ -84,7 +66,6 @@ typedef struct C3DParam {
 #pragma pack(pop)
 
 #ifdef __cplusplus
-static_assert(sizeof(TvLogFont) == 60, "a font description is 60 bytes");
 static_assert(sizeof(wint_DisplayParamType) == 395, "display settings are 395 bytes");
 static_assert(offsetof(wint_DisplayParamType, wint_TextOverlay) == 4, "wint_TextOverlay at 4");
 static_assert(offsetof(wint_DisplayParamType, DispMode) == 8, "DispMode at 8");

@@ -23,4 +23,28 @@
 
 typedef int32_t BOOL32;
 
+#pragma pack(push, 1)
+/* A font description, 60 bytes: the height counts tenths of a point. */
+typedef struct TvLogFont {
+    int32_t lfHeight;
+    int32_t lfWidth;
+    int32_t lfEscapement;
+    int32_t lfOrientation;
+    int32_t lfWeight;
+    uint8_t lfItalic;
+    uint8_t lfUnderline;
+    uint8_t lfStrikeOut;
+    uint8_t lfCharSet;
+    uint8_t lfOutPrecision;
+    uint8_t lfClipPrecision;
+    uint8_t lfQuality;
+    uint8_t lfPitchAndFamily;
+    char lfFaceName[32];
+} TAVRIN_PACKED TvLogFont;
+#pragma pack(pop)
+
+#ifdef __cplusplus
+static_assert(sizeof(TvLogFont) == 60, "a font description is 60 bytes");
+#endif
+
 #endif

@@ -8,6 +8,7 @@
 #include "display/placement.h"
 #include "display/plot_scale.h"
 #include "display/render_histogram.h"
+#include "display/size_text.h"
 #include "display/vfs.h"
 #include "host/errors.h"
 #include "host/log.h"
@@ -48,7 +49,6 @@ constexpr int kGeneralTextStep = 16;
 constexpr int kGeneralRuleX = 226;
 constexpr int kGeneralRuleTop = 426;
 constexpr int kGeneralRuleMinBottom = 433;
-constexpr float kMicrometre = 1000.0f;
 
 uint32_t AlignLeft() { return TextAlignWord(0, 1, 0); }
 uint32_t AlignCentre() { return TextAlignWord(1, 1, 0); }
@@ -142,14 +142,9 @@ void DrawTextBlock(const ImageHeaderType* image)
     if (image->SPMData) {
         std::snprintf(text, sizeof text, "%s [%s]", GetImageTitleStr(image), GetImageUnitStr(image, 0, 0));
         FSTextOut(kTextLeft, kTextTop + 20, text);
-        double x = image->ImageSizeX, y = image->ImageSizeY;
-        const char* unit = "nm";
-        if (image->ImageSizeX >= kMicrometre && image->ImageSizeY >= kMicrometre) {
-            x /= kMicrometre;
-            y /= kMicrometre;
-            unit = "um";
-        }
-        std::snprintf(text, sizeof text, "Size           %.*f x %.*f %s", DecimalsFor(x), x, DecimalsFor(y), y, unit);
+        const ScanSizeText s = ScanSizeForCaption(image);
+        std::snprintf(text, sizeof text, "Size           %.*f x %.*f %s", DecimalsFor(s.x), s.x, DecimalsFor(s.y), s.y,
+                      s.unit);
         FSTextOut(kTextLeft, kTextTop + 36, text);
         if (image->ImType1 == IMTYPE_IMAGE) {
             HeightLine(image, text, sizeof text);

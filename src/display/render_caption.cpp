@@ -5,6 +5,7 @@
 #include "display/placement.h"
 #include "display/render_marks.h"
 #include "display/scale_bars.h"
+#include "display/size_text.h"
 #include "display/vfs.h"
 #include "store/data_list.h"
 #include "store/image_header.h"
@@ -16,19 +17,12 @@ namespace {
 
 constexpr int kCaptionTop = 8;
 constexpr int kCaptionColour = 6;
-constexpr float kMicrometre = 1000.0f;
 
 // "%.*fx%.*f um" when both sizes reach 1000 nm, else "%.*fx%.*f nm".
 void CaptionText(const ImageHeaderType* image, char* text, size_t size)
 {
-    double x = image->ImageSizeX, y = image->ImageSizeY;
-    const char* unit = "nm";
-    if (image->ImageSizeX >= kMicrometre && image->ImageSizeY >= kMicrometre) {
-        x /= kMicrometre;
-        y /= kMicrometre;
-        unit = "um";
-    }
-    std::snprintf(text, size, "%.*fx%.*f %s", DecimalsFor(x), x, DecimalsFor(y), y, unit);
+    const ScanSizeText s = ScanSizeForCaption(image);
+    std::snprintf(text, size, "%.*fx%.*f %s", DecimalsFor(s.x), s.x, DecimalsFor(s.y), s.y, s.unit);
 }
 
 } // namespace

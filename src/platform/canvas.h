@@ -67,23 +67,7 @@ struct SIZE {
 };
 
 // The 60-byte font description stored in records and settings.
-struct TAVRIN_PACKED LOGFONT {
-    int32_t lfHeight;
-    int32_t lfWidth;
-    int32_t lfEscapement;
-    int32_t lfOrientation;
-    int32_t lfWeight;
-    uint8_t lfItalic;
-    uint8_t lfUnderline;
-    uint8_t lfStrikeOut;
-    uint8_t lfCharSet;
-    uint8_t lfOutPrecision;
-    uint8_t lfClipPrecision;
-    uint8_t lfQuality;
-    uint8_t lfPitchAndFamily;
-    char lfFaceName[32];
-};
-static_assert(sizeof(LOGFONT) == 60, "a LOGFONT is 60 bytes");
+using LOGFONT = TvLogFont;
 
 struct TEXTMETRIC {
     int32_t tmHeight;
