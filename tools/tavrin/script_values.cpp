@@ -122,9 +122,14 @@ std::string RecordText(const void* record, size_t size, const RecordFields* fiel
         case RecordField::U32: v = Show<uint32_t>(p); break;
         case RecordField::F32: v = Show<float>(p); break;
         case RecordField::F64: v = Show<double>(p); break;
-        case RecordField::Text: v = "\"" + std::string(reinterpret_cast<const char*>(p), strnlen(reinterpret_cast<const char*>(p), f.size)) + "\""; break;
+        case RecordField::Text:
+            v.assign(1, '"');
+            v.append(reinterpret_cast<const char*>(p), strnlen(reinterpret_cast<const char*>(p), f.size));
+            v.push_back('"');
+            break;
         }
-        out += (i ? " " : "") + std::string(f.name) + "=" + v;
+        if (i) out.push_back(' ');
+        out.append(f.name).append("=").append(v);
     }
     return out;
 }
