@@ -36,16 +36,21 @@ void DisplayImage(ImageHeaderType* image, int allowMapping, int withText)
     (void)allowMapping;
     if (!NoUserInterface) ShowParameterText(image);
 
+    PlaceImageRows(image, image);
+    ParameterTextSwitch = savedSwitch;
+}
+
+void PlaceImageRows(const ImageHeaderType* look, ImageHeaderType* image)
+{
     const int nx = image->nx, ny = image->ny;
     BeginBatch();
-    PrepareImageDisplay(nx, ny, image->ColourImage != 0, image);
+    PrepareImageDisplay(nx, ny, look->ColourImage != 0, look);
     for (int line = 0; line < ny; ++line)
         DisplayImageDataTypeLine1(line, image->PixData + static_cast<size_t>(line) * nx, 0, FSState.NPixelsX, 0);
     FSState.DisplayBusy = 1;
     FinishImageDisplay(nx, ny);
     SetFSContents(image, 1);
     EndBatchAndShow(FSState.ImageLeft, FSState.ImageTop, FSState.ImageRight, FSState.ImageBottom);
-    ParameterTextSwitch = savedSwitch;
 }
 
 void PrepareImageDisplay(int nx, int ny, int isColour, const ImageHeaderType* image)

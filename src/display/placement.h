@@ -31,6 +31,9 @@ void DisplayImage(ImageHeaderType* image, int allowMapping, int withText);
 // (wrapping to the next row or to the top), the erase of the vector items under the new
 // rectangle, the former outline in colour 16, and the start of the row writer.
 void PrepareImageDisplay(int nx, int ny, int isColour, const ImageHeaderType* image);
+// The rows of `image` placed at the cursor in one batch, with the look (colour or grey, the
+// record the placement reads) of `look`, and the frame store's contents set to `image`.
+void PlaceImageRows(const ImageHeaderType* look, ImageHeaderType* image);
 // After the rows: the outline of the new rectangle in colour 17, the cursor moved on, the row
 // height raised, the data size kept, then caption and scale bars.
 void FinishImageDisplay(int nx, int ny);

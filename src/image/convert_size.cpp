@@ -237,14 +237,7 @@ ImageHeaderType* NewResultItem(ImageHeaderType* source, int n)
 void ShowResult(ImageHeaderType* source, ImageHeaderType* result)
 {
     const int n = result->nx;
-    BeginBatch();
-    PrepareImageDisplay(n, n, source->ColourImage != 0, source);
-    for (int y = 0; y < n; ++y)
-        DisplayImageDataTypeLine1(y, result->PixData + static_cast<size_t>(y) * n, 0, FSState.NPixelsX, 0);
-    FSState.DisplayBusy = 1;
-    FinishImageDisplay(n, n);
-    SetFSContents(result, 1);
-    EndBatchAndShow(FSState.ImageLeft, FSState.ImageTop, FSState.ImageRight, FSState.ImageBottom);
+    PlaceImageRows(source, result);
     Log("Convert size of '%s' from (%d,%d) to (%d,%d)\n", result->Title, static_cast<int>(source->nx),
         static_cast<int>(source->ny), n, n);
 }
