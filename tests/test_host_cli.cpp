@@ -155,7 +155,7 @@ TEST_F(HostCliTest, InfoOfAMissingFileReportsTheErrorAndExitsOne)
 {
     HostRun run = Run("info missing.tif");
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Contains(run.err, "tavrin: ")) << run.err;
+    EXPECT_EQ(run.err, "tavrin: Unable to open file\ntavrin: missing.tif: not opened\n");
     EXPECT_TRUE(run.out.empty()) << run.out;
 }
 
@@ -394,7 +394,15 @@ TEST_F(HostCliTest, ARunWhoseEntryPointReportsAnErrorExitsOne)
 {
     HostRun run = Run("run -", "OpenSTMData 0 missing.tif\n");
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Contains(run.err, "tavrin: ")) << run.err;
+    EXPECT_EQ(run.err, "tavrin: Unable to open file\n");
+}
+
+TEST_F(HostCliTest, AnErrorTextPaddedToItsColumnIsPrintedWithoutTheBlanks)
+{
+    ASSERT_EQ(Run("demo --out tour").status, 0);
+    HostRun run = Run("convert tour/iv-curve.spc iv.tif");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "tavrin: Program error - SaveSTMData Spec 1\n");
 }
 
 TEST_F(HostCliTest, DemoFinishesAndItsFilesLoadAgain)

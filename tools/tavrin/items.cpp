@@ -2,6 +2,7 @@
 #include "session.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cctype>
 #include <map>
 
@@ -14,7 +15,9 @@ ImageHeaderType* OpenItem(const std::string& path)
     ImageHeaderType* item = dl_GetCurrentImagePtr();
     const bool failed = Session().errorReported || item == before || !item;
     Session().errorReported = Session().errorReported || failedBefore;
-    return failed ? nullptr : item;
+    if (!failed) return item;
+    std::fprintf(stderr, "tavrin: %s: not opened\n", path.c_str());
+    return nullptr;
 }
 
 wint_SaveFileType SaveTypeFor(const std::string& path, bool eightBit)

@@ -17,9 +17,11 @@ void ObserveLog(const char* text, void*)
 {
     if (std::strncmp(text, "ERROR : ", 8) == 0) {
         g_session.errorReported = true;
-        std::fprintf(stderr, "tavrin: %s", text + 8);
-        size_t n = std::strlen(text);
-        if (n == 0 || text[n - 1] != '\n') std::fputc('\n', stderr);
+        // Texts padded to a column width ("Program error - %-70s") lose their blanks here.
+        const char* message = text + 8;
+        size_t n = std::strlen(message);
+        while (n > 0 && (message[n - 1] == '\n' || message[n - 1] == ' ')) --n;
+        std::fprintf(stderr, "tavrin: %.*s\n", static_cast<int>(n), message);
     }
     if (g_session.options.verbose) std::fputs(text, stdout);
 }
