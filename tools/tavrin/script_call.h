@@ -47,7 +47,7 @@ ScriptEntry MakeEntry(const char* name, R (*fn)(A...))
 }
 
 // The table line of an entry point: its name without "dl_".
-#define TAVRIN_ENTRY(fn) MakeEntry(#fn + 3, fn)
+#define TAVRIN_ENTRY(fn) MakeEntry(&(#fn)[3], fn)
 
 // Every entry point a script can call, in the order of the families.
 const std::vector<ScriptEntry>& ScriptEntries();
