@@ -5,7 +5,9 @@
 #include "store/image_header.h"
 #include "store/memory.h"
 
+#include <cstdarg>
 #include <cstring>
+#include <string>
 
 class TextTest : public LibraryTest {
 protected:
@@ -38,6 +40,30 @@ TEST_F(TextTest, Strncat0KeepsTheWholeBelowItsSize)
     strncat0(full, "x", sizeof full);
     EXPECT_NE(ReadLog().find("Program error - strncat0 4 4"), std::string::npos);
     EXPECT_EQ(full[0], 'a');
+}
+
+namespace {
+
+std::string Formatted(size_t size, const char* format, ...)
+{
+    char b[16];
+    std::memset(b, 'z', sizeof b);
+    va_list args;
+    va_start(args, format);
+    FormatInto(b, size, format, args);
+    va_end(args);
+    return std::string(b, strnlen(b, sizeof b));
+}
+
+} // namespace
+
+TEST_F(TextTest, FormatIntoCutsToTheBufferAndANullFormatGivesTheEmptyText)
+{
+    EXPECT_EQ(Formatted(16, "%s=%d", "n", 42), "n=42");
+    EXPECT_EQ(Formatted(5, "%s", "abcdefgh"), "abcd");
+    EXPECT_EQ(Formatted(16, nullptr), "");
+    // A size of 0 leaves the buffer untouched.
+    EXPECT_EQ(Formatted(0, "%s", "x"), "zzzzzzzzzzzzzzzz");
 }
 
 TEST_F(TextTest, TheNameTableHas122EntriesTheLastTheErrorEntry)

@@ -2,6 +2,7 @@
 #include "tavrin/dl_host.h"
 #include "host/errors.h"
 #include "host/log.h"
+#include "host/text.h"
 #include "platform/paths.h"
 #include "platform/platform_table.h"
 
@@ -39,7 +40,7 @@ TAVRIN_API void dl_OutputDebugString(const char* format, ...)
     char text[512];
     va_list args;
     va_start(args, format);
-    std::vsnprintf(text, sizeof text, format ? format : "", args);
+    FormatInto(text, sizeof text, format, args);
     va_end(args);
     PlatformDebugOutput(text);
 }

@@ -1,5 +1,6 @@
 #include "host/errors.h"
 #include "host/log.h"
+#include "host/text.h"
 #include "platform/platform_table.h"
 
 #include <cstdio>
@@ -185,14 +186,6 @@ bool IsSystemError(uint16_t number)
 bool TakesFormat(uint16_t number)
 {
     return number == ERR_PROGRAM || number == ERR_COMMAND_LINE || number == 35076 || number == ERR_APPLICATION;
-}
-
-void FormatInto(char* buffer, size_t size, const char* format, va_list args)
-{
-    va_list copy;
-    va_copy(copy, args);
-    std::vsnprintf(buffer, size, format ? format : "", copy);
-    va_end(copy);
 }
 
 void ShowWithEmbedded(uint16_t number, const char* tableText, const char* embedded)

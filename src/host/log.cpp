@@ -1,6 +1,7 @@
 #include "host/log.h"
 #include "host/globals.h"
 #include "host/revision.h"
+#include "host/text.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -30,10 +31,7 @@ void VLog2Disk(const char* format, va_list args)
     else
         std::snprintf(prefix, sizeof prefix, "%02d:%02d:%02d.%03d>  ", t.hour, t.minute, t.second, t.milliseconds);
     char text[512];
-    va_list copy;
-    va_copy(copy, args);
-    std::vsnprintf(text, sizeof text, format ? format : "", copy);
-    va_end(copy);
+    FormatInto(text, sizeof text, format, args);
     WriteLogText(prefix);
     WriteLogText(text);
 }
@@ -107,10 +105,7 @@ void VLog(const char* format, va_list args)
 {
     if (!WaitForMutex(g_logMutex, kLogMutexWaitMs)) return;
     char text[512];
-    va_list copy;
-    va_copy(copy, args);
-    std::vsnprintf(text, sizeof text, format ? format : "", copy);
-    va_end(copy);
+    FormatInto(text, sizeof text, format, args);
     Log2Disk("%s", text);
     ReleaseMutex(g_logMutex);
 }
@@ -128,7 +123,7 @@ void LogRaw(const char* format, ...)
     char text[512];
     va_list args;
     va_start(args, format);
-    std::vsnprintf(text, sizeof text, format ? format : "", args);
+    FormatInto(text, sizeof text, format, args);
     va_end(args);
     WriteLogText(text);
 }

@@ -1,6 +1,7 @@
 #include "host/text.h"
 #include "host/errors.h"
 
+#include <cstdio>
 #include <cstring>
 
 void strncpy0(char* destination, const char* source, int size)
@@ -29,4 +30,20 @@ void strncat0(char* destination, const char* source, int size)
     size_t n = strnlen(source, room);
     std::memmove(destination + have, source, n);
     destination[have + n] = '\0';
+}
+
+void FormatInto(char* buffer, size_t size, const char* format, va_list args)
+{
+    if (size == 0) return;
+    if (!format) {
+        buffer[0] = '\0';
+        return;
+    }
+    va_list copy;
+    va_copy(copy, args);
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+    std::vsnprintf(buffer, size, format, copy);
+#pragma GCC diagnostic pop
+    va_end(copy);
 }

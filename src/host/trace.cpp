@@ -2,6 +2,7 @@
 #include "host/errors.h"
 #include "host/globals.h"
 #include "host/log.h"
+#include "host/text.h"
 #include "platform/platform_table.h"
 #include "store/data_list.h"
 
@@ -30,7 +31,7 @@ void TraceEntry(const char* format, ...)
     char text[512];
     va_list args;
     va_start(args, format);
-    std::vsnprintf(text, sizeof text, format, args);
+    FormatInto(text, sizeof text, format, args);
     va_end(args);
     Trace(2, nullptr, text, kTraceCaption, kTraceFlags);
 }

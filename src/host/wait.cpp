@@ -1,6 +1,7 @@
 #include "host/wait.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
+#include "host/text.h"
 #include "platform/platform_table.h"
 
 #include <cstdarg>
@@ -21,7 +22,7 @@ void ShowWait(const char* format, ...)
     char text[512];
     va_list args;
     va_start(args, format);
-    std::vsnprintf(text, sizeof text, format ? format : "", args);
+    FormatInto(text, sizeof text, format, args);
     va_end(args);
     if (g_waitShown) Ap.ap_HideWait();
     Ap.ap_ShowWait(text);
@@ -55,7 +56,7 @@ void PrintAt(int column, int row, const char* format, ...)
     char text[512];
     va_list args;
     va_start(args, format);
-    std::vsnprintf(text, sizeof text, format ? format : "", args);
+    FormatInto(text, sizeof text, format, args);
     va_end(args);
     Ap.ap_PrintParamLine(static_cast<uint16_t>(row), static_cast<uint16_t>(column * 2 / 3), FilterText(text));
 }
@@ -65,7 +66,7 @@ void PrintInWindow(TextWindowHandle handle, int column, int row, const char* for
     char text[512];
     va_list args;
     va_start(args, format);
-    std::vsnprintf(text, sizeof text, format ? format : "", args);
+    FormatInto(text, sizeof text, format, args);
     va_end(args);
     Ap.ap_PrintInWindow(handle, static_cast<uint16_t>(column * 2 / 3), static_cast<uint16_t>(row), FilterText(text));
 }
