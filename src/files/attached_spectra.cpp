@@ -46,22 +46,21 @@ bool WriteOneSpectrum(FileHandle file, const ImageHeaderType* spectrum)
     return false;
 }
 
-// An item of the data list that refers to the image: the rule by which the save asked about
-// them, so that the count compared on writing is the count the user agreed to.
+// An item of the data list, other than the image itself, whose owner is the image.
 bool RefersTo(const ImageHeaderType* item, const ImageHeaderType* image)
 {
     return item != image && item->SPSOwnerId >= 0 && static_cast<uint32_t>(item->SPSOwnerId) == image->DataId;
 }
 
-int CountReferring(const ImageHeaderType* image)
+} // namespace
+
+int CountReferringSpectra(const ImageHeaderType* image)
 {
     int n = 0;
     for (const ImageHeaderType* p = FirstItem; p; p = p->Next)
         if (RefersTo(p, image)) ++n;
     return n;
 }
-
-} // namespace
 
 int CountOwnedSpectra(int32_t dataId)
 {
@@ -108,7 +107,7 @@ int WriteSPSRefData(FileHandle file, const ImageHeaderType* image, int owned, in
         return 0;
     }
     int written = 0;
-    if (owned > 0 && CountReferring(image) == owned) {
+    if (owned > 0 && CountReferringSpectra(image) == owned) {
         for (const ImageHeaderType* p = FirstItem; p; p = p->Next)
             if (RefersTo(p, image) && IsSpectrumClass(p->ImType1) && WriteOneSpectrum(file, p)) ++written;
     }

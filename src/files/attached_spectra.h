@@ -15,6 +15,9 @@
 
 // Data list items whose SPSOwnerId is `dataId`; 0 for -1.
 int CountOwnedSpectra(int32_t dataId);
+// Data list items other than the image whose SPSOwnerId is the image's DataId: the count the
+// save asks about, and the count its writing compares with.
+int CountReferringSpectra(const ImageHeaderType* image);
 
 // Reads the attached spectra from the file's position, up to nSPSRefData of them. Before each,
 // the rest of the file must hold at least one more record: 6090 bytes (5188 when the image's

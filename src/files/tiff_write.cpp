@@ -1,4 +1,5 @@
 #include "files/tiff_write.h"
+#include "files/attached_spectra.h"
 #include "files/image_blocks.h"
 #include "files/tiff_header.h"
 #include "host/errors.h"
@@ -14,15 +15,6 @@
 #include <cstdio>
 
 namespace {
-
-// Spectra anywhere in the data list that refer to this image.
-int CountReferringSpectra(const ImageHeaderType* image)
-{
-    int n = 0;
-    for (const ImageHeaderType* p = FirstItem; p; p = p->Next)
-        if (p != image && p->SPSOwnerId >= 0 && static_cast<uint32_t>(p->SPSOwnerId) == image->DataId) ++n;
-    return n;
-}
 
 bool AskSaveSpectra(const char* format, int count)
 {
