@@ -86,46 +86,60 @@ int32_t TextOverlayCode()
     return FSState.TextOverlayMode ? 2 : 1;
 }
 
-DisplayParamStore DefaultStore()
+DisplaySettings DefaultSettings()
+{
+    DisplaySettings d{};
+    d.ContourLevels = kDefaultContourLevels;
+    d.DisplayFactor = kDefaultDisplayFactor;
+    d.ScaleBarMode = SCALE_BAR_BOTH;
+    d.ReservedParam1 = 1;
+    d.FullDisplayOn = 0;
+    d.LightPolar = kDefaultLightAngle;
+    d.LightAzimuth = kDefaultLightAngle;
+    d.Ambient = kDefaultAmbient;
+    d.Diffuse = kDefaultDiffuse;
+    return d;
+}
+
+// The block with the process-wide settings `d`; the frame store part and the plot and print
+// part are the caller's.
+DisplayParamStore StoreOf(const DisplaySettings& d)
 {
     DisplayParamStore s{};
-    s.LightPolar = kDefaultLightAngle;
-    s.LightAzimuth = kDefaultLightAngle;
-    s.Ambient = kDefaultAmbient;
-    s.Diffuse = kDefaultDiffuse;
+    s.LightPolar = d.LightPolar;
+    s.LightAzimuth = d.LightAzimuth;
+    s.Ambient = d.Ambient;
+    s.Diffuse = d.Diffuse;
+    s.ContourLevels = d.ContourLevels;
+    s.DisplayFactor = d.DisplayFactor;
+    s.ScaleBarMode = d.ScaleBarMode;
+    s.FullDisplayOn = d.FullDisplayOn;
+    s.ReservedParam1 = d.ReservedParam1;
+    CopyOverlayTexts(s.OverlayText, d.OverlayText);
+    return s;
+}
+
+DisplayParamStore DefaultStore()
+{
+    DisplayParamStore s = StoreOf(DefaultSettings());
     s.ColourTableNo = kDefaultColourTableNo;
     s.ImageDisplaySize = kFrameWidth;
     s.TextOverlayOn = 0;
     s.TextOverlayMode = 1;
     s.DispMode = 0;
-    s.ContourLevels = kDefaultContourLevels;
-    s.DisplayFactor = kDefaultDisplayFactor;
-    s.ScaleBarMode = SCALE_BAR_BOTH;
-    s.FullDisplayOn = 0;
-    s.ReservedParam1 = 1;
     s.LowerFrameEdge = 1;
     return s;
 }
 
 DisplayParamStore CollectStore()
 {
-    DisplayParamStore s{};
-    s.LightPolar = Display.LightPolar;
-    s.LightAzimuth = Display.LightAzimuth;
-    s.Ambient = Display.Ambient;
-    s.Diffuse = Display.Diffuse;
+    DisplayParamStore s = StoreOf(Display);
     s.ColourTableNo = ColourTableNo;
     s.ImageDisplaySize = FSState.ImageDisplaySize;
     s.TextOverlayOn = FSState.TextOverlayOn;
     s.TextOverlayMode = FSState.TextOverlayMode;
     s.DispMode = FSState.DispMode;
-    s.ContourLevels = Display.ContourLevels;
-    s.DisplayFactor = Display.DisplayFactor;
-    s.ScaleBarMode = Display.ScaleBarMode;
-    s.FullDisplayOn = Display.FullDisplayOn;
-    s.ReservedParam1 = Display.ReservedParam1;
     s.LowerFrameEdge = LowerFrameEdgeOn ? 1 : 0;
-    CopyOverlayTexts(s.OverlayText, Display.OverlayText);
     std::memcpy(s.PlotAndPrint, g_plotAndPrint, sizeof g_plotAndPrint);
     return s;
 }
@@ -153,21 +167,6 @@ void ApplyStore(const DisplayParamStore& s)
     LowerFrameEdgeOn = s.LowerFrameEdge != 0;
     CopyOverlayTexts(Display.OverlayText, s.OverlayText);
     std::memcpy(g_plotAndPrint, s.PlotAndPrint, sizeof g_plotAndPrint);
-}
-
-DisplaySettings DefaultSettings()
-{
-    DisplaySettings d{};
-    d.ContourLevels = kDefaultContourLevels;
-    d.DisplayFactor = kDefaultDisplayFactor;
-    d.ScaleBarMode = SCALE_BAR_BOTH;
-    d.ReservedParam1 = 1;
-    d.FullDisplayOn = 0;
-    d.LightPolar = kDefaultLightAngle;
-    d.LightAzimuth = kDefaultLightAngle;
-    d.Ambient = kDefaultAmbient;
-    d.Diffuse = kDefaultDiffuse;
-    return d;
 }
 
 } // namespace
