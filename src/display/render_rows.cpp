@@ -115,11 +115,13 @@ void CodeLevels(const uint16_t* data, int first, int last)
     for (int x = std::max(first - 1, 0); x <= last; ++x) g_writer.level[x] = static_cast<uint16_t>(data[x] >> 8);
 }
 
+inline int LevelOfSum(int32_t sum, int shiftSum) { return std::min((sum >> 8) >> shiftSum, kMaxLevel); }
+
 void SumLevels(int first, int last, int shiftSum)
 {
     RowWriter& w = g_writer;
     for (int x = std::max(first - 1, 0); x <= last; ++x)
-        w.level[x] = static_cast<uint16_t>(std::min((w.acc[x] >> 8) >> shiftSum, kMaxLevel));
+        w.level[x] = static_cast<uint16_t>(LevelOfSum(w.acc[x], shiftSum));
 }
 
 // A row written to the frame: along a row, or down a column.
@@ -155,25 +157,16 @@ void RowAtFactor1(int line, const uint16_t* data, int xs, int n, int vertDisp)
     WriteRow(out, xs, n, line, vertDisp);
 }
 
-// Sums of p points into the accumulator: value j takes the points from j * p. The data hold
-// `length` points; points beyond are not read.
+// Sums of p points into the accumulator: value j takes the points from j * p. With P fixed the
+// compiler unrolls the inner sum; P = 0 takes p as it comes.
 template <int P>
-void SumPoints(int32_t* acc, const uint16_t* data, int first, int n)
+void SumPoints(int32_t* acc, const uint16_t* data, int first, int n, int p = P)
 {
+    const int step = P != 0 ? P : p;
     for (int j = first; j < first + n; ++j) {
-        const uint16_t* p = data + static_cast<size_t>(j) * P;
+        const uint16_t* q = data + static_cast<size_t>(j) * step;
         int32_t sum = 0;
-        for (int k = 0; k < P; ++k) sum += p[k];
-        acc[j] += sum;
-    }
-}
-
-void SumPointsAny(int32_t* acc, const uint16_t* data, int first, int n, int p)
-{
-    for (int j = first; j < first + n; ++j) {
-        const uint16_t* q = data + static_cast<size_t>(j) * p;
-        int32_t sum = 0;
-        for (int k = 0; k < p; ++k) sum += q[k];
+        for (int k = 0; k < step; ++k) sum += q[k];
         acc[j] += sum;
     }
 }
@@ -193,7 +186,7 @@ void FillAccumulator(const uint16_t* data, int xs, int n)
         case 8: SumPoints<8>(acc, data, xs, groups); break;
         case 16: SumPoints<16>(acc, data, xs, groups); break;
         case 32: SumPoints<32>(acc, data, xs, groups); break;
-        default: SumPointsAny(acc, data, xs, groups, factor); break;
+        default: SumPoints<0>(acc, data, xs, groups, factor); break;
         }
         return;
     }
@@ -211,8 +204,6 @@ void FillAccumulator(const uint16_t* data, int xs, int n)
             acc[j] = (data[i] + data[i + 1]) >> 1;
     }
 }
-
-inline int LevelOfSum(int32_t sum, int shiftSum) { return std::min((sum >> 8) >> shiftSum, kMaxLevel); }
 
 // A reduced image: ImPntsY rows make one output row.
 void ReducedRows(int line, int xs, int n)
