@@ -15,6 +15,12 @@ namespace {
 
 using u32 = uint32_t;
 
+// Where output k of m stands on a line of n points, in 128ths of a point.
+uint64_t Position128(int k, int n, int m)
+{
+    return m > 1 ? uint64_t{static_cast<u32>(k)} * 128u * static_cast<u32>(n - 1) / static_cast<u32>(m - 1) : 0;
+}
+
 // Linear groups: p codes to 25; output k of a group stands at k * p / 25, in 25ths.
 void LinearGroups(int n, int p, const uint16_t* in, uint16_t* out)
 {
@@ -193,7 +199,7 @@ void Separable(const ImageHeaderType* source, ImageHeaderType* result, uint16_t*
     ResampleLine(nx, n, source->PixData, lower);
     int held = 0;
     for (int j = 0; j < n; ++j) {
-        const uint64_t pos = n > 1 ? uint64_t{static_cast<u32>(j)} * 128u * static_cast<u32>(ny - 1) / static_cast<u32>(n - 1) : 0;
+        const uint64_t pos = Position128(j, ny, n);
         const int next = static_cast<int>(pos >> 7) + 1;
         if (next != held) {
             std::swap(upper, lower);
@@ -266,7 +272,7 @@ void ResampleLine(int n, int m, const uint16_t* in, uint16_t* out)
         return;
     }
     for (int k = 0; k < m; ++k) {
-        const uint64_t pos = uint64_t{static_cast<u32>(k)} * 128u * static_cast<u32>(n - 1) / static_cast<u32>(m - 1);
+        const uint64_t pos = Position128(k, n, m);
         const size_t i = static_cast<size_t>(pos >> 7);
         const u32 f = static_cast<u32>(pos & 127);
         const u32 next = i + 1 < static_cast<size_t>(n) ? in[i + 1] : in[i];
