@@ -42,28 +42,18 @@ const DemoPicture kLatticePictures[] = {
     {"shaded", {1, -1, -1, false}},
 };
 
-size_t DataBytes(const ImageHeaderType* item, bool image)
-{
-    return image ? static_cast<size_t>(item->nx) * static_cast<size_t>(item->ny) * 2
-                 : static_cast<size_t>(item->nx) * 8;
-}
-
-std::vector<unsigned char> DataOf(const ImageHeaderType* item, bool image)
+std::vector<unsigned char> DataOf(const ImageHeaderType* item)
 {
     const auto* p = static_cast<const unsigned char*>(static_cast<const void*>(item->PixData));
-    return p ? std::vector<unsigned char>(p, p + DataBytes(item, image)) : std::vector<unsigned char>();
+    return p ? std::vector<unsigned char>(p, p + DataBlockBytes(item)) : std::vector<unsigned char>();
 }
 
 bool RenderPictures(DemoItem& item, const std::string& dir, const DemoPicture* pictures, size_t count)
 {
-    HostFrameStore* fs = FindHostFrameStore(Session().currentFrameStore);
     for (size_t i = 0; i < count; ++i) {
         ShowCurrentItem(pictures[i].show);
         std::string path = dir + "/" + item.name + "-" + pictures[i].suffix + ".png";
-        if (!fs || !WriteFrameStorePicture(*fs, path)) {
-            std::fprintf(stderr, "tavrin demo: cannot write '%s'\n", path.c_str());
-            return false;
-        }
+        if (!WriteCurrentPicture(path)) return false;
         item.pictures.push_back(path);
     }
     ShowCurrentItem(ShowOptions{});
@@ -94,7 +84,7 @@ int Demo(const Args& args)
         ImageHeaderType* made = item.make(last);
         if (!made) return 1;
         last = made;
-        item.data = DataOf(made, item.image);
+        item.data = DataOf(made);
         item.path = dir + "/" + item.name + (item.image ? ".tif" : ".spc");
         dl_SetCurrentImagePtr(made);
         if (!SaveCurrentItem(item.path, false)) {
@@ -111,7 +101,7 @@ int Demo(const Args& args)
     for (DemoItem& item : items) {
         ImageHeaderType* loaded = OpenItem(item.path);
         if (!loaded) return 1;
-        if (DataOf(loaded, item.image) == item.data) ++same;
+        if (DataOf(loaded) == item.data) ++same;
         else std::fprintf(stderr, "tavrin demo: '%s' did not load with the data it was saved with\n", item.path.c_str());
         if (item.image) {
             bool topography = std::strcmp(item.name, "topography") == 0;

@@ -17,11 +17,9 @@ int Pixels(const Args& args)
         std::fprintf(stderr, "tavrin pixels: the item has no data block\n");
         return 1;
     }
-    // An image holds nx by ny codes (u16, row 0 first); a spectrum nx f32 Y values, then nx
-    // f32 X values. Both are little-endian in memory on this platform.
-    const bool image = (dl_IsCurrentDataTypeImage() & TV_DATA_IMAGE_CLASS) != 0;
-    const size_t bytes = image ? static_cast<size_t>(item->nx) * static_cast<size_t>(item->ny) * 2
-                               : static_cast<size_t>(item->nx) * 8;
+    // Rows of an image from row 0; a spectrum's Y values, then its X values. Both are
+    // little-endian in memory on this platform.
+    const size_t bytes = DataBlockBytes(item);
     FILE* f = std::fopen(out.c_str(), "wb");
     if (!f) {
         std::fprintf(stderr, "tavrin pixels: cannot create '%s'\n", out.c_str());

@@ -3,7 +3,6 @@
 #include "command_line.h"
 #include "items.h"
 #include "picture.h"
-#include "session.h"
 
 #include <cstdio>
 
@@ -25,11 +24,7 @@ int Render(const Args& args)
         return 1;
     }
     ShowCurrentItem(show);
-    HostFrameStore* fs = FindHostFrameStore(Session().currentFrameStore);
-    if (!fs || !WriteFrameStorePicture(*fs, out)) {
-        std::fprintf(stderr, "tavrin render: cannot write '%s'\n", out.c_str());
-        return 1;
-    }
+    if (!WriteCurrentPicture(out)) return 1;
     std::printf("%s\n", out.c_str());
     return 0;
 }

@@ -1,10 +1,17 @@
 #include "items.h"
 #include "session.h"
+#include "store/image_header.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cctype>
 #include <map>
+
+size_t DataBlockBytes(const ImageHeaderType* item)
+{
+    return CheckHeaderIsImageType(item) ? static_cast<size_t>(item->nx) * static_cast<size_t>(item->ny) * 2
+                                        : static_cast<size_t>(item->nx) * 8;
+}
 
 ImageHeaderType* OpenItem(const std::string& path)
 {

@@ -1,9 +1,14 @@
 // Opening, showing and saving items from the host's commands.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "tavrin/tavrin.h"
+
+// The bytes of the item's data block: nx by ny codes of an image (u16), or nx f32 Y values
+// then nx f32 X values of a spectrum.
+size_t DataBlockBytes(const ImageHeaderType* item);
 
 // Opens the file with dl_OpenSTMData; answers the new current item, or null when the library
 // reported an error or no item came (the error is on standard error already).

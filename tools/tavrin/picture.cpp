@@ -1,5 +1,7 @@
 #include "picture.h"
 
+#include <cstdio>
+
 namespace {
 
 // The host's repaint: the bitmap (colour indices through the palette, or the 24-bit layer in
@@ -37,4 +39,18 @@ bool WriteFrameStorePicture(HostFrameStore& fs, const std::string& path)
     if (!fs.window) return false;
     Repaint(fs);
     return tv_canvas_write_png(fs.window, path.c_str()) == 0;
+}
+
+bool WriteCurrentPicture(const std::string& path)
+{
+    HostFrameStore* fs = FindHostFrameStore(Session().currentFrameStore);
+    if (!fs) {
+        std::fprintf(stderr, "tavrin: no frame store is open for '%s'\n", path.c_str());
+        return false;
+    }
+    if (!WriteFrameStorePicture(*fs, path)) {
+        std::fprintf(stderr, "tavrin: cannot write '%s'\n", path.c_str());
+        return false;
+    }
+    return true;
 }

@@ -9,3 +9,6 @@
 // Paints the window of the frame store as the host's repaint does, and writes it as a PNG
 // file. False when the picture could not be written.
 bool WriteFrameStorePicture(HostFrameStore& fs, const std::string& path);
+// The same for the current frame store; false, with the reason on standard error, when there
+// is none or the picture could not be written.
+bool WriteCurrentPicture(const std::string& path);

@@ -82,8 +82,7 @@ bool RunHostCommand(const std::string& name, const std::vector<std::string>& wor
     }
     if (name == "render") {
         if (words.size() != 2) throw ScriptError("render needs one file name");
-        HostFrameStore* fs = FindHostFrameStore(Session().currentFrameStore);
-        if (!fs || !WriteFrameStorePicture(*fs, words[1])) throw ScriptError("could not write '" + words[1] + "'");
+        if (!WriteCurrentPicture(words[1])) throw ScriptError("could not write '" + words[1] + "'");
         std::fprintf(out, "render: %s\n", words[1].c_str());
         return true;
     }

@@ -60,9 +60,6 @@ void ResetScriptRecords();
 
 double ParseNumber(const std::string& word);
 
-// Output texts of char* arguments of the call that runs now.
-std::vector<std::string>& OutputTexts();
-
 template <typename R>
 std::string ResultText(R value)
 {
