@@ -4,6 +4,7 @@
 #include "test_frame_support.h"
 
 #include "image/convert_size.h"
+#include "store/duplicate.h"
 
 #include <vector>
 
@@ -189,7 +190,7 @@ TEST_F(ConvertSizeTest, BlocksOfTwoByTwoFrom256To128And512To256)
                                    Code(2 * x + 1, 2 * y + 1)) >> 2;
             EXPECT_EQ(At(result, x, y), want) << n << " " << x << "," << y;
         }
-        FreeConvertedImage(result);
+        FreeResultItem(result);
     }
 }
 
@@ -333,7 +334,7 @@ TEST_F(ConvertSizeTest, TheResultIsANewItemBehindTheSourceWithItsOwnPixelsAndThe
     EXPECT_STREQ(result->Title, "Source");
     EXPECT_EQ(source->nx, 256);
     EXPECT_EQ(At(source, 3, 4), Code(3, 4));
-    FreeConvertedImage(result);
+    FreeResultItem(result);
     EXPECT_EQ(CountItems(), items);
 }
 
@@ -362,7 +363,7 @@ TEST_F(ConvertSizeTest, AFailedAllocationReportsAndLeavesTheListAsItWas)
         ImageHeaderType* result = ConvertImageSize(source, 300, 0);
         FailAllocationsForTests(0);
         if (result) {
-            FreeConvertedImage(result);
+            FreeResultItem(result);
         } else {
             ++failures;
             ASSERT_FALSE(host.messageBoxes.empty()) << skip;

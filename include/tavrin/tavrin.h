@@ -16,5 +16,6 @@
 #include "tavrin/dl_files.h"
 #include "tavrin/dl_frame_store.h"
 #include "tavrin/dl_display.h"
+#include "tavrin/dl_geometry.h"
 
 #endif

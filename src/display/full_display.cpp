@@ -13,6 +13,7 @@
 #include "host/errors.h"
 #include "host/log.h"
 #include "image/convert_size.h"
+#include "store/duplicate.h"
 #include "platform/clock.h"
 #include "store/data_list.h"
 #include "store/image_header.h"
@@ -278,7 +279,7 @@ int FullDisplay(int withText)
     DrawRuler(image);
     if (withText) DrawTextBlock(image);
     DrawHistogram(image);
-    FreeConvertedImage(copy);
+    FreeResultItem(copy);
     FSState.ImageDisplaySize = savedSize;
     FSState.TextOverlayOn = savedOverlay;
     SetFSContentsAll(image);

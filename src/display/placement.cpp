@@ -43,13 +43,34 @@ void DisplayImage(ImageHeaderType* image, int allowMapping, int withText)
 void PlaceImageRows(const ImageHeaderType* look, ImageHeaderType* image)
 {
     const int nx = image->nx, ny = image->ny;
+    BeginRowDisplay(nx, ny, look);
+    for (int line = 0; line < ny; ++line) ShowDisplayRow(line, image->PixData + static_cast<size_t>(line) * nx);
+    FinishRowDisplay(nx, ny);
+    RegisterImageRegion(image);
+    EndRowDisplay();
+}
+
+void BeginRowDisplay(int width, int height, const ImageHeaderType* look)
+{
     BeginBatch();
-    PrepareImageDisplay(nx, ny, look->ColourImage != 0, look);
-    for (int line = 0; line < ny; ++line)
-        DisplayImageDataTypeLine1(line, image->PixData + static_cast<size_t>(line) * nx, 0, FSState.NPixelsX, 0);
+    PrepareImageDisplay(width, height, look && look->ColourImage != 0, look);
+}
+
+void ShowDisplayRow(int line, const uint16_t* data)
+{
+    DisplayImageDataTypeLine1(line, data, 0, FSState.NPixelsX, 0);
+}
+
+void FinishRowDisplay(int width, int height)
+{
     FSState.DisplayBusy = 1;
-    FinishImageDisplay(nx, ny);
-    SetFSContents(image, 1);
+    FinishImageDisplay(width, height);
+}
+
+void RegisterImageRegion(ImageHeaderType* image) { SetFSContents(image, 1); }
+
+void EndRowDisplay()
+{
     EndBatchAndShow(FSState.ImageLeft, FSState.ImageTop, FSState.ImageRight, FSState.ImageBottom);
 }
 

@@ -34,6 +34,17 @@ void PrepareImageDisplay(int nx, int ny, int isColour, const ImageHeaderType* im
 // The rows of `image` placed at the cursor in one batch, with the look (colour or grey, the
 // record the placement reads) of `look`, and the frame store's contents set to `image`.
 void PlaceImageRows(const ImageHeaderType* look, ImageHeaderType* image);
+
+// The row display of a command's result, in the order a command works: begin (a batch, the
+// place at the cursor, the start of the row writer) with the size of the rows and the look of
+// `look` (its ColourImage word and record), one row shown as soon as it is computed, finish
+// (outline, cursor, caption), the region registered as the item's with the fresh-image flag,
+// and the batch ended, which hands the changed rectangle to the host.
+void BeginRowDisplay(int width, int height, const ImageHeaderType* look);
+void ShowDisplayRow(int line, const uint16_t* data);
+void FinishRowDisplay(int width, int height);
+void RegisterImageRegion(ImageHeaderType* image);
+void EndRowDisplay();
 // After the rows: the outline of the new rectangle in colour 17, the cursor moved on, the row
 // height raised, the data size kept, then caption and scale bars.
 void FinishImageDisplay(int nx, int ny);

@@ -15,7 +15,7 @@ enum ErrorNumber : uint16_t {
     ERR_CLOSING_FILE = 32778,
     ERR_WRITING = 32779,
     ERR_READING = 32780,
-    ERR_INVALID_ENTRY = 32782,
+    ERR_INVALID_ENTRY = 32782,             // "Invalid data entry"
     ERR_MESH_TOO_LARGE = 32788,
     ERR_LIGHT_INTENSITY = 32789,
     ERR_LOAD_WINDOW = 32790,
@@ -35,11 +35,14 @@ enum ErrorNumber : uint16_t {
     ERR_NO_SPECTRA = 33280,                // "No spectra in memory"
     ERR_SPECTRA_LIMIT = 33284,             // "Exceeded maximum number of allowed spectra"
     ERR_NO_IMAGES = 33536,                 // "No images in memory"
-    ERR_IMAGE_TOO_LARGE = 33537,
+    ERR_IMAGE_TOO_LARGE = 33537,           // "Image too large for this function"
     ERR_NOT_FFT = 33538,                   // "Image is not of type FFT"
     ERR_WINDOW_SIZE = 33539,
     ERR_NO_WINDOW = 33541,
     ERR_NOT_POWER_OF_2 = 33542,
+    ERR_FFT_IMAGE = 33543,                 // "Unable to perform this function on image of type FFT"
+    ERR_ALREADY_THIS_SIZE = 33545,         // "Image is already this size - can not interpolate"
+    ERR_MAPPING_IMAGE = 33555,             // "Unable to perform this function on image of type SPS Mapping "
     ERR_WRONG_IMAGE_TYPE = 33562,
     ERR_REPLAY_PATH = 33563,               // "Invalid path specified for replay sequence"
     ERR_TIGA = 36096,                      // " Error with TIGA %x"

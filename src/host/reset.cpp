@@ -3,7 +3,9 @@
 #include "files/file_state.h"
 #include "display/colour_startup.h"
 #include "display/render.h"
+#include "display/selection.h"
 #include "display/vfs.h"
+#include "image/geometry.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
 #include "host/globals.h"
@@ -21,6 +23,8 @@
 
 void ResetProcessState()
 {
+    ResetGeometryState();
+    ResetSelectionState();
     ResetDataListState();
     ResetFrameStoreState();
     ResetMemoryState();

@@ -5,6 +5,7 @@
 #include "host/errors.h"
 #include "host/log.h"
 #include "store/data_list.h"
+#include "store/duplicate.h"
 #include "store/image_header.h"
 #include "store/memory.h"
 
@@ -14,6 +15,9 @@
 namespace {
 
 using u32 = uint32_t;
+
+// Codes at or below this are gaps of a cross section: never blended.
+constexpr u32 kGapCode = 8960;
 
 // Where output k of m stands on a line of n points, in 128ths of a point.
 uint64_t Position128(int k, int n, int m)
@@ -191,76 +195,15 @@ void FourTimesUp(const ImageHeaderType* source, ImageHeaderType* result)
     }
 }
 
-// The separable path: rows resampled by ResampleLine, then blended between the two source
-// rows around each result row. `upper` and `lower` hold n codes each.
-void Separable(const ImageHeaderType* source, ImageHeaderType* result, uint16_t* upper, uint16_t* lower)
+// The rules of any two lengths: the integer mean of each run when shrinking, the blend in
+// 128ths (weights adding up to 127) when growing. The last output of a growing line stands on
+// in[n - 1] with weight 0 for its neighbour, which is not read.
+void ResampleLineGeneral(int n, int m, const uint16_t* in, uint16_t* out)
 {
-    const int nx = source->nx, ny = source->ny, n = result->nx;
-    ResampleLine(nx, n, source->PixData, lower);
-    int held = 0;
-    for (int j = 0; j < n; ++j) {
-        const uint64_t pos = Position128(j, ny, n);
-        const int next = static_cast<int>(pos >> 7) + 1;
-        if (next != held) {
-            std::swap(upper, lower);
-            held = next;
-            if (held < ny) ResampleLine(nx, n, source->PixData + static_cast<size_t>(held) * nx, lower);
-        }
-        const u32 f = static_cast<u32>(pos & 127), g = 127 - f;
-        uint16_t* out = result->PixData + static_cast<size_t>(j) * n;
-        for (int x = 0; x < n; ++x) out[x] = static_cast<uint16_t>((upper[x] * g + lower[x] * f) >> 7);
-    }
-}
-
-bool Square(const ImageHeaderType* image, int size) { return image->nx == size && image->ny == size; }
-
-// The new item behind the source: its header, n by n, no blocks of its own; null after a report.
-ImageHeaderType* NewResultItem(ImageHeaderType* source, int n)
-{
-    ImageHeaderType* item = AllocateListItem(source);
-    if (!item) return nullptr;
-    if (CopyImageHeader(item, source, 0) != 0) {
-        UnlinkListItem(item);
-        return nullptr;
-    }
-    SetFFTBlock(item, nullptr);
-    SetCITSBlock(item, nullptr);
-    SetSPSRefChain(item, nullptr);
-    item->nSPSRefData = 0;
-    item->nx = static_cast<int16_t>(n);
-    item->ny = static_cast<int16_t>(n);
-    MemHandleType pixels;
-    if (!AllocateMemNoErr(static_cast<size_t>(n) * n, sizeof(uint16_t), &pixels)) {
-        Error(ERR_NO_MEMORY);
-        UnlinkListItem(item);
-        return nullptr;
-    }
-    item->PixHandle = pixels.Handle;
-    item->PixData = static_cast<uint16_t*>(pixels.Ptr);
-    return item;
-}
-
-void ShowResult(ImageHeaderType* source, ImageHeaderType* result)
-{
-    const int n = result->nx;
-    PlaceImageRows(source, result);
-    Log("Convert size of '%s' from (%d,%d) to (%d,%d)\n", result->Title, static_cast<int>(source->nx),
-        static_cast<int>(source->ny), n, n);
-}
-
-} // namespace
-
-void ResampleLine(int n, int m, const uint16_t* in, uint16_t* out)
-{
-    if (!in || !out || n <= 0 || m <= 0) {
-        ProgramError("ResampleLine %d %d", n, m);
-        return;
-    }
     if (n == m) {
         std::memcpy(out, in, static_cast<size_t>(n) * sizeof *in);
         return;
     }
-    if (SpecialCase(n, m, in, out)) return;
     if (n > m) {
         const uint64_t step = uint64_t{static_cast<u32>(n)} * 64u / static_cast<u32>(m);
         for (int k = 0; k < m; ++k) {
@@ -280,14 +223,112 @@ void ResampleLine(int n, int m, const uint16_t* in, uint16_t* out)
     }
 }
 
+// The line stage of the gap-keeping resampler: when growing, a pair with a gap is not blended
+// (the nearer code stands); shrinking is the plain integer mean.
+void ResampleLineKeepGaps(int n, int m, const uint16_t* in, uint16_t* out)
+{
+    if (n >= m) {
+        ResampleLineGeneral(n, m, in, out);
+        return;
+    }
+    for (int k = 0; k < m; ++k) {
+        const uint64_t pos = Position128(k, n, m);
+        const size_t i = static_cast<size_t>(pos >> 7);
+        const u32 f = static_cast<u32>(pos & 127);
+        const u32 a = in[i], b = i + 1 < static_cast<size_t>(n) ? in[i + 1] : in[i];
+        if (a > kGapCode && b > kGapCode)
+            out[k] = static_cast<uint16_t>((a * (127 - f) + b * f) >> 7);
+        else
+            out[k] = static_cast<uint16_t>(f < 64 ? a : b);
+    }
+}
+
+// The separable path: rows resampled by the line stage, then blended between the two source
+// rows around each result row. `upper` and `lower` hold n codes each.
+void Separable(const ImageHeaderType* source, ImageHeaderType* result, uint16_t* upper, uint16_t* lower, bool keepGaps)
+{
+    const int nx = source->nx, ny = source->ny, n = result->nx;
+    void (*const line)(int, int, const uint16_t*, uint16_t*) = keepGaps ? ResampleLineKeepGaps : ResampleLine;
+    line(nx, n, source->PixData, lower);
+    int held = 0;
+    for (int j = 0; j < n; ++j) {
+        const uint64_t pos = Position128(j, ny, n);
+        const int next = static_cast<int>(pos >> 7) + 1;
+        if (next != held) {
+            std::swap(upper, lower);
+            held = next;
+            if (held < ny) line(nx, n, source->PixData + static_cast<size_t>(held) * nx, lower);
+        }
+        const u32 f = static_cast<u32>(pos & 127), g = 127 - f;
+        uint16_t* out = result->PixData + static_cast<size_t>(j) * n;
+        if (!keepGaps) {
+            for (int x = 0; x < n; ++x) out[x] = static_cast<uint16_t>((upper[x] * g + lower[x] * f) >> 7);
+            continue;
+        }
+        // The test is ">" on the upper row and ">=" on the lower one.
+        for (int x = 0; x < n; ++x) {
+            if (upper[x] > kGapCode && lower[x] >= kGapCode)
+                out[x] = static_cast<uint16_t>((upper[x] * g + lower[x] * f) >> 7);
+            else
+                out[x] = g > f ? upper[x] : lower[x];
+        }
+    }
+}
+
+bool Square(const ImageHeaderType* image, int size) { return image->nx == size && image->ny == size; }
+
+void ShowResult(ImageHeaderType* source, ImageHeaderType* result)
+{
+    const int n = result->nx;
+    PlaceImageRows(source, result);
+    Log("Convert size of '%s' from (%d,%d) to (%d,%d)\n", result->Title, static_cast<int>(source->nx),
+        static_cast<int>(source->ny), n, n);
+}
+
+bool ValidSource(const ImageHeaderType* source, int n)
+{
+    return source && IsInList(source) && CheckHeaderIsImageType(source) && source->PixData && source->nx > 0 &&
+           source->ny > 0 && n > 0 && n <= INT16_MAX;
+}
+
+// The separable path with its two scratch rows; frees the result when they cannot be had.
+bool SeparableWithScratch(const ImageHeaderType* source, ImageHeaderType* result, bool keepGaps)
+{
+    const int n = result->nx;
+    auto* upper = static_cast<uint16_t*>(ecalloc(static_cast<size_t>(n), sizeof(uint16_t)));
+    auto* lower = static_cast<uint16_t*>(ecalloc(static_cast<size_t>(n), sizeof(uint16_t)));
+    if (!upper || !lower) {
+        efree(upper);
+        efree(lower);
+        FreeResultItem(result);
+        Error(ERR_NO_MEMORY);
+        return false;
+    }
+    Separable(source, result, upper, lower, keepGaps);
+    efree(upper);
+    efree(lower);
+    return true;
+}
+
+} // namespace
+
+void ResampleLine(int n, int m, const uint16_t* in, uint16_t* out)
+{
+    if (!in || !out || n <= 0 || m <= 0) {
+        ProgramError("ResampleLine %d %d", n, m);
+        return;
+    }
+    if (n != m && SpecialCase(n, m, in, out)) return;
+    ResampleLineGeneral(n, m, in, out);
+}
+
 ImageHeaderType* ConvertImageSize(ImageHeaderType* source, int n, int show)
 {
-    if (!source || !IsInList(source) || !CheckHeaderIsImageType(source) || !source->PixData || source->nx <= 0 ||
-        source->ny <= 0 || n <= 0 || n > INT16_MAX) {
+    if (!ValidSource(source, n)) {
         ProgramError("ConvertImageSize %d", n);
         return nullptr;
     }
-    ImageHeaderType* result = NewResultItem(source, n);
+    ImageHeaderType* result = DuplicateResized(source, n, n);
     if (!result) return nullptr;
 
     if ((Square(source, 256) && n == 128) || (Square(source, 512) && n == 256)) {
@@ -298,32 +339,21 @@ ImageHeaderType* ConvertImageSize(ImageHeaderType* source, int n, int show)
         TwoTimesUp(source, result);
     } else if (Square(source, 128) && n == 512) {
         FourTimesUp(source, result);
-    } else {
-        auto* upper = static_cast<uint16_t*>(ecalloc(static_cast<size_t>(n), sizeof(uint16_t)));
-        auto* lower = static_cast<uint16_t*>(ecalloc(static_cast<size_t>(n), sizeof(uint16_t)));
-        if (!upper || !lower) {
-            efree(upper);
-            efree(lower);
-            FreeConvertedImage(result);
-            Error(ERR_NO_MEMORY);
-            return nullptr;
-        }
-        Separable(source, result, upper, lower);
-        efree(upper);
-        efree(lower);
+    } else if (!SeparableWithScratch(source, result, false)) {
+        return nullptr;
     }
     if (show) ShowResult(source, result);
     return result;
 }
 
-void FreeConvertedImage(ImageHeaderType* item)
+ImageHeaderType* ConvertImageSizeKeepGaps(ImageHeaderType* source, int n, int show)
 {
-    if (!item || !IsInList(item)) {
-        ProgramError("FreeConvertedImage");
-        return;
+    if (!ValidSource(source, n)) {
+        ProgramError("ConvertImageSizeKeepGaps %d", n);
+        return nullptr;
     }
-    FreeMem(item->PixHandle, item->PixData);
-    item->PixData = nullptr;
-    item->PixHandle = 0;
-    UnlinkListItem(item);
+    ImageHeaderType* result = DuplicateResized(source, n, n);
+    if (!result || !SeparableWithScratch(source, result, true)) return nullptr;
+    if (show) ShowResult(source, result);
+    return result;
 }

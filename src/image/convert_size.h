@@ -46,5 +46,10 @@ void ResampleLine(int n, int m, const uint16_t* in, uint16_t* out);
 // list as it was.
 ImageHeaderType* ConvertImageSize(ImageHeaderType* source, int n, int show);
 
-// Frees an item that ConvertImageSize made: its pixels, its frame store references, its record.
-void FreeConvertedImage(ImageHeaderType* item);
+// The same by the separable path alone, for images whose codes at or below 8960 are gaps (the
+// cross-section display): when a line grows, a pair with a gap is not blended but the nearer
+// code taken (f below 64: the left one); shrinking is the plain integer mean with no special
+// case. Between rows the blend stands only where the upper code is above 8960 and the lower
+// at or above it; elsewhere the upper code is taken when its weight is larger, else the lower.
+ImageHeaderType* ConvertImageSizeKeepGaps(ImageHeaderType* source, int n, int show);
+

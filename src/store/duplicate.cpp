@@ -77,3 +77,47 @@ ImageHeaderType* DuplicateFull(ImageHeaderType* source, ImageHeaderType* after)
     CopyHeaderPointers(item, source);
     return item;
 }
+
+ImageHeaderType* DuplicateResized(ImageHeaderType* source, int nx, int ny)
+{
+    if (!source || !IsInList(source) || nx <= 0 || ny <= 0 || nx > INT16_MAX || ny > INT16_MAX) {
+        ProgramError("DuplicateResized %d %d", nx, ny);
+        return nullptr;
+    }
+    ImageHeaderType* item = AllocateListItem(source);
+    if (!item) return nullptr;
+    const int copyFailed = CopyImageHeader(item, source, 0);
+    SetFFTBlock(item, nullptr);
+    SetCITSBlock(item, nullptr);
+    SetSPSRefChain(item, nullptr);
+    item->nSPSRefData = 0;
+    if (copyFailed) {
+        UnlinkListItem(item);
+        return nullptr;
+    }
+    item->nx = static_cast<int16_t>(nx);
+    item->ny = static_cast<int16_t>(ny);
+    MemHandleType pixels;
+    if (!AllocateMemNoErr(static_cast<size_t>(nx) * static_cast<size_t>(ny), sizeof(uint16_t), &pixels)) {
+        Error(ERR_NO_MEMORY);
+        UnlinkListItem(item);
+        return nullptr;
+    }
+    item->PixHandle = pixels.Handle;
+    item->PixData = static_cast<uint16_t*>(pixels.Ptr);
+    return item;
+}
+
+void FreeResultItem(ImageHeaderType* item)
+{
+    if (!item || !IsInList(item)) {
+        ProgramError("FreeResultItem");
+        return;
+    }
+    ImageHeaderType* const current = CurrentItem;
+    FreeMem(item->PixHandle, item->PixData);
+    item->PixData = nullptr;
+    item->PixHandle = 0;
+    UnlinkListItem(item);
+    if (current != item) CurrentItem = current;
+}

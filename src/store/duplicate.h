@@ -13,6 +13,18 @@
 // null. The new item is not made current.
 ImageHeaderType* DuplicateForResult(const ImageHeaderType* source);
 
+// The result item of a command that changes the size: a bare new item directly behind
+// `source`, a copy of its header with nx and ny set to the new size, and pixels of that size
+// (not zeroed). The saved stamp stays the source's; the FFT block, the mapping set and the
+// attached spectra stay with the source. A failed allocation reports 32769 "Not enough
+// memory", a failed header copy "CopyImageHeader 1" or "CopyImageHeader 2", and the list
+// stays as it was. Answers the item (not current) or null.
+ImageHeaderType* DuplicateResized(ImageHeaderType* source, int nx, int ny);
+
+// Frees a result item that a command made and did not finish: its pixels, its frame store
+// references, its record. The current item stays as it is.
+void FreeResultItem(ImageHeaderType* item);
+
 // A new item behind `after` (the head when null) with a copy of the header of `source` and
 // its pixels and blocks: the new item takes over the blocks, and the caller then drops the
 // source's record with FreeHeader, which frees neither. So a record read outside the list

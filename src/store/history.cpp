@@ -177,3 +177,11 @@ const char* GetProcessName(int index)
     if (index < 0 || index >= ProcessNameCount()) return im_pstr[kProcessNameCount - 1];
     return im_pstr[index];
 }
+
+int ProcessHistoryLines(const ImageHeaderType* record, const char* names[kProcessListLength])
+{
+    if (!record || record->ProcessListOff >= 255) return 0;
+    const int n = ListLength(record);
+    for (int i = 0; i < n; ++i) names[i] = GetProcessName(record->ProcessList[i] - 1);
+    return n;
+}

@@ -93,6 +93,21 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_LoadFrame),
         TAVRIN_ENTRY(dl_PrintEditUpdateVFS),
         TAVRIN_ENTRY(dl_clip_line_cohen_sutherlandI),
+        // geometry and pointing
+        TAVRIN_ENTRY(dl_ImageMirrorX),
+        TAVRIN_ENTRY(dl_ImageMirrorY),
+        TAVRIN_ENTRY(dl_TransposeImage),
+        TAVRIN_ENTRY(dl_RotateImage90),
+        TAVRIN_ENTRY(dl_RotateImage180),
+        TAVRIN_ENTRY(dl_RotateImage270),
+        TAVRIN_ENTRY(dl_RotateImageA),
+        TAVRIN_ENTRY(dl_ImageTranslate),
+        TAVRIN_ENTRY(dl_PadTo256Points),
+        TAVRIN_ENTRY(dl_PadTo512Points),
+        TAVRIN_ENTRY(dl_Interpolate128),
+        TAVRIN_ENTRY(dl_Interpolate256),
+        TAVRIN_ENTRY(dl_Interpolate512),
+        TAVRIN_ENTRY(dl_SelectPointInVFS_Callback),
     };
     return entries;
 }

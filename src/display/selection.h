@@ -1,0 +1,60 @@
+// Point selection in a frame store: the library asks the host for a pick mode over the image
+// rectangle, the host reports every mouse event back, and when the last point is set the
+// command that asked goes on with the points.
+//
+// Positions count from the top left of the pick rectangle; unless the selection keeps frame
+// coordinates they are turned into image pixels: ix = x * ImagePixelsX / rectangle width.
+#pragma once
+
+#include <cstdint>
+
+// Buttons of an event: 0 a move; bit 0 left, bit 1 middle, bit 2 right.
+constexpr int kButtonLeft = 1;
+constexpr int kButtonMiddle = 2;
+constexpr int kButtonRight = 4;
+
+// What the command does when the selection ends. `status` has bit 0 set when the user set
+// every point (no right button, no early end). Answers 1 when the selection is over.
+using SelectionHandler = int (*)(int status);
+
+struct SelectionStateType {
+    int16_t* PointsX;
+    int16_t* PointsY;
+    int16_t PointCount;
+    int16_t CurrentPoint;
+    int16_t RegionType;
+    int16_t FramePixels;
+    int16_t SquareForced;
+    int16_t AllowFull;
+    int16_t WorldCursor;
+    int16_t KeepFrameCoords;
+    int16_t AllowEarlyEnd;
+    int16_t AutoRepeat;
+    uint8_t* SaveBuffer;
+    int16_t BoundLeft, BoundRight, BoundTop, BoundBottom;
+    int16_t BandShown;
+    int16_t Busy;
+    int16_t LastButtons;
+    int16_t Type;
+    SelectionHandler Handler;
+};
+extern SelectionStateType SelectionState;
+
+// Bytes under the rubber band that a selection keeps: four strips of 768 pixels.
+constexpr int kSelectionSaveBytes = 3072;
+
+// Starts a selection of `count` points over the image rectangle of the current frame store,
+// the results left in xs and ys, and `handler` run at the end. `abortY` of 1 or more is the row
+// at which the scan was cut off (the lower bound follows it); a negative value is reported.
+// Answers 1 when the selection could not start (no memory), else 0.
+int SelectImagePoints(int type, int count, int16_t* xs, int16_t* ys, int regionType, int squareForced,
+                      int allowFull, int worldCursor, int abortY, int keepFrameCoords, int allowEarlyEnd,
+                      int cursor, SelectionHandler handler);
+
+// One event of the pick mode. Answers non-zero when the selection has ended.
+int SelectPointInVFS_Callback(int type, int x, int y, int buttons, int32_t hndl);
+
+// True while a selection waits for points.
+bool SelectionActive();
+
+void ResetSelectionState();
