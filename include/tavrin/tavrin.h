@@ -16,6 +16,7 @@
 #include "tavrin/dl_files.h"
 #include "tavrin/dl_frame_store.h"
 #include "tavrin/dl_display.h"
+#include "tavrin/dl_filters.h"
 #include "tavrin/dl_geometry.h"
 
 #endif
