@@ -6,6 +6,8 @@
 #include "image/convert_size.h"
 #include "store/duplicate.h"
 
+#include <memory>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -402,5 +404,111 @@ TEST_F(ConvertSizeTest, WhenRowsAreJumpedTheUpperRowIsTheLowerRowOfTheStepBefore
         EXPECT_EQ(At(result, x, 1), (Code(x, 1) * static_cast<uint32_t>(127 - f) + Code(x, 5) * static_cast<uint32_t>(f)) >> 7)
             << x;
         EXPECT_NE(Code(x, 1), Code(x, 4));
+    }
+}
+
+// The gap-keeping variant: codes at or below 8960 are gaps and are never blended.
+
+namespace {
+
+// The documented rules, written out plainly.
+std::vector<uint16_t> KeepGapsLine(const uint16_t* in, int n, int m)
+{
+    std::vector<uint16_t> out(m);
+    if (n == m) return {in, in + n};
+    if (n > m) {
+        const uint64_t step = uint64_t(n) * 64 / m;
+        for (int k = 0; k < m; ++k) {
+            const uint64_t a = (k * step) >> 6, b = ((k + 1) * step) >> 6;
+            uint64_t sum = 0;
+            for (uint64_t i = a; i < b; ++i) sum += in[i];
+            out[k] = static_cast<uint16_t>(b > a ? sum / (b - a) : in[a]);
+        }
+        return out;
+    }
+    for (int k = 0; k < m; ++k) {
+        const uint64_t pos = uint64_t(k) * 128 * (n - 1) / (m - 1);
+        const uint64_t i = pos >> 7, f = pos & 127;
+        const uint32_t a = in[i], b = i + 1 < uint64_t(n) ? in[i + 1] : in[i];
+        out[k] = a > 8960 && b > 8960 ? static_cast<uint16_t>((a * (127 - f) + b * f) >> 7)
+                                      : static_cast<uint16_t>(f < 64 ? a : b);
+    }
+    return out;
+}
+
+std::vector<uint16_t> KeepGapsImage(const ImageHeaderType* s, int n)
+{
+    std::vector<uint16_t> out(static_cast<size_t>(n) * n);
+    auto line = [&](int row) { return KeepGapsLine(s->PixData + static_cast<size_t>(row) * s->nx, s->nx, n); };
+    std::vector<uint16_t> upper(n), lower = line(0);
+    int held = 0;
+    for (int j = 0; j < n; ++j) {
+        const uint64_t pos = uint64_t(j) * 128 * (s->ny - 1) / (n - 1);
+        if (int(pos >> 7) + 1 != held) {
+            // The two rows change roles; past the last source row the lower one is not filled
+            // again and keeps what the upper row held.
+            std::swap(upper, lower);
+            held = int(pos >> 7) + 1;
+            if (held < s->ny) lower = line(held);
+        }
+        const uint32_t f = pos & 127, g = 127 - f;
+        for (int x = 0; x < n; ++x)
+            out[static_cast<size_t>(j) * n + x] = upper[x] > 8960 && lower[x] >= 8960
+                                                      ? static_cast<uint16_t>((upper[x] * g + lower[x] * f) >> 7)
+                                                      : (g > f ? upper[x] : lower[x]);
+    }
+    return out;
+}
+
+} // namespace
+
+TEST_F(ConvertSizeTest, KeepGapsBlendsOnlyAboveTheGapLevelGreaterAboveAndAtLeastBelow)
+{
+    // 2 by 2 to 3: row 0 = 8961 8960, row 1 = 8960 9000.
+    ImageHeaderType* source = AddImage(2, 2, [](int x, int y) {
+        static const uint16_t c[2][2] = {{8961, 8960}, {8960, 9000}};
+        return c[y][x];
+    });
+    ImageHeaderType* result = ConvertImageSizeKeepGaps(source, 3, 0);
+    ASSERT_NE(result, nullptr);
+    // Lines: row 0 -> 8961 8960 8960 (no blend with a gap); row 1 -> 8960 9000 (9000*127)>>7.
+    EXPECT_EQ(At(result, 0, 0), (8961u * 127) >> 7);   // 8961 above, 8960 below: blended
+    EXPECT_EQ(At(result, 1, 0), 8960);                  // a gap above: the heavier upper code
+    EXPECT_EQ(At(result, 2, 2), (9000u * 127) >> 7);
+    // Result row 1: f = 64, g = 63.
+    EXPECT_EQ(At(result, 0, 1), (8961u * 63 + 8960u * 64) >> 7);
+    EXPECT_EQ(At(result, 1, 1), 9000);                  // a gap above, f >= g: the lower code
+    EXPECT_EQ(At(result, 2, 1), (9000u * 127) >> 7);
+}
+
+TEST_F(ConvertSizeTest, KeepGapsFollowsItsRulesUpAndDownOnImagesFullOfGaps)
+{
+    uint32_t seed = 7;
+    auto next = [&seed] {
+        seed = seed * 1103515245u + 12345u;
+        return seed >> 8;
+    };
+    const uint16_t levels[] = {0, 8959, 8960, 8961, 20000, 65535};
+    for (auto [nx, ny, n] : {std::tuple{37, 23, 128}, std::tuple{300, 200, 128}, std::tuple{128, 128, 256},
+                             std::tuple{5, 90, 64}, std::tuple{256, 256, 512}}) {
+        std::vector<uint16_t> codes(static_cast<size_t>(nx) * ny);
+        for (auto& c : codes) c = next() % 3 ? levels[next() % 6] : static_cast<uint16_t>(next());
+        ImageHeaderType* source = AddImage(nx, ny, [&](int x, int y) { return codes[static_cast<size_t>(y) * nx + x]; });
+        ImageHeaderType* result = ConvertImageSizeKeepGaps(source, n, 0);
+        ASSERT_NE(result, nullptr);
+        const auto want = KeepGapsImage(source, n);
+        for (size_t i = 0; i < want.size(); ++i) ASSERT_EQ(result->PixData[i], want[i]) << nx << " " << ny << " " << i;
+    }
+}
+
+TEST_F(ConvertSizeTest, TheLastOutputOfAGrowingLineReadsNothingPastTheLine)
+{
+    // A heap block of exactly n codes: the sanitizer sees any read behind it.
+    for (int n : {2, 3, 100, 129}) {
+        std::unique_ptr<uint16_t[]> in(new uint16_t[n]);
+        for (int i = 0; i < n; ++i) in[i] = static_cast<uint16_t>(1000 + i);
+        std::vector<uint16_t> out(777);
+        ResampleLine(n, 777, in.get(), out.data());
+        EXPECT_EQ(out[776], (uint32_t{in[n - 1]} * 127) >> 7) << n;
     }
 }

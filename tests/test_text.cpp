@@ -105,3 +105,36 @@ TEST_F(TextTest, SeeIfProcessDoneWithCodeZeroFindsTheTerminatorOfAShortList)
     EXPECT_EQ(SeeIfProcessDone(nullptr, 0), 0);
     FreeHeader(r);
 }
+
+TEST_F(TextTest, AnEmptyHistoryGivesNoLinesNotEvenTheHeading)
+{
+    ImageHeaderType* r = AllocateHeader();
+    const char* names[kProcessListLength] = {};
+    EXPECT_EQ(ProcessHistoryLines(r, names), 0);
+    EXPECT_EQ(names[0], nullptr);
+    FreeHeader(r);
+}
+
+TEST_F(TextTest, HistoryLinesNameEachCodeInOrderUnlessTheDisplayIsOff)
+{
+    ImageHeaderType* r = AllocateHeader();
+    AddImProc2List(r, 38);
+    AddImProc2List(r, 14);
+    AddImProc2List(r, 122);
+    const char* names[kProcessListLength] = {};
+    ASSERT_EQ(ProcessHistoryLines(r, names), 3);
+    EXPECT_STREQ(names[0], "Rotate 90");
+    EXPECT_STREQ(names[1], "Diag \\ Edge");
+    EXPECT_STREQ(names[2], "Img Proc Str Error");
+    r->ProcessListOff = 255;
+    EXPECT_EQ(ProcessHistoryLines(r, names), 0);
+    r->ProcessListOff = 254;
+    EXPECT_EQ(ProcessHistoryLines(r, names), 3);
+    FreeHeader(r);
+}
+
+TEST_F(TextTest, AddingToANullRecordIsAProgramError)
+{
+    AddImProc2List(nullptr, 5);
+    EXPECT_NE(ReadLog().find("Program error - AddImProc2List"), std::string::npos);
+}
