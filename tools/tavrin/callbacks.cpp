@@ -1,6 +1,7 @@
 // The 55 callbacks of the command-line host. Frame store pixels go to the buffers this host
 // owns; text panels are kept as lines; dialogs take their answers from the queue of the
 // session, or cancel.
+#include "pick.h"
 #include "session.h"
 
 #include <cstdio>
@@ -68,7 +69,17 @@ void UpdateVFS(uint16_t, uint16_t, uint16_t, uint16_t) {}
 void ScrollBar1(wint_ScrollBarParamType*, uint16_t) {}
 void ScrollBar2(wint_ScrollBarParamType*, wint_ScrollBarParamType*, uint16_t, uint16_t) {}
 void ScrollBar3(wint_ScrollBarParamType*, wint_ScrollBarParamType*, wint_ScrollBarParamType*, uint16_t, uint16_t) {}
-void SelectPointInVFS(uint16_t, uint16_t, uint16_t, uint16_t, uint16_t, uint16_t) {}
+void SelectPointInVFS(uint16_t left, uint16_t top, uint16_t right, uint16_t bottom, uint16_t type, uint16_t cursor)
+{
+    PickMode& mode = CurrentPickMode();
+    mode.active = true;
+    mode.left = left;
+    mode.top = top;
+    mode.right = right;
+    mode.bottom = bottom;
+    mode.type = type;
+    mode.cursor = cursor;
+}
 
 void ClearParamText() { Session().paramLines.clear(); }
 

@@ -13,6 +13,7 @@ int CommandConvert(const Args& args);
 int CommandRender(const Args& args);
 int CommandRun(const Args& args);
 int CommandDemo(const Args& args);
+int CommandGeom(const Args& args);
 
 // Prints the usage text to the stream.
 void PrintUsage(FILE* out);

@@ -2,11 +2,13 @@
 #include "store/data_list_select.h"
 #include "tavrin/tavrin.h"
 #include "store/header_json.h"
+#include "store/history.h"
 #include "store/image_header.h"
 #include "store/titles.h"
 #include "store/units.h"
 #include "store/value_text.h"
 
+#include <cstring>
 #include <string>
 
 void PrintItemInfo(FILE* out, bool json)
@@ -25,10 +27,17 @@ void PrintItemInfo(FILE* out, bool json)
     std::string title = GetImageTitleStr(item);
     std::string unit = GetImageUnitStr(item, 0, 0);
     char letter = ClassLetter(item);
+    // The processing history as the parameter text lists it.
+    const char* history[kProcessListLength] = {};
+    const int steps = ProcessHistoryLines(item, history);
     if (json) {
-        std::fprintf(out, "{\"class\": %s, \"title\": %s, \"type\": %s, \"unit\": %s, \"header\": %s}\n",
+        std::string names = "[";
+        for (int i = 0; i < steps; ++i) names += (i ? ", " : "") + JsonString(history[i], std::strlen(history[i]));
+        names += "]";
+        std::fprintf(out,
+                     "{\"class\": %s, \"title\": %s, \"type\": %s, \"unit\": %s, \"history\": %s, \"header\": %s}\n",
                      JsonString(std::string(1, letter).c_str(), 1).c_str(), JsonString(title.c_str(), title.size()).c_str(),
-                     JsonString(type, sizeof type).c_str(), JsonString(unit.c_str(), unit.size()).c_str(),
+                     JsonString(type, sizeof type).c_str(), JsonString(unit.c_str(), unit.size()).c_str(), names.c_str(),
                      HeaderToJson(item).c_str());
         return;
     }
@@ -45,5 +54,9 @@ void PrintItemInfo(FILE* out, bool json)
         std::fprintf(out, "size:   %d points\n", item->nx);
     }
     std::fprintf(out, "range:  %s to %s %s\n", JsonFloat(item->Zlo).c_str(), JsonFloat(item->Zhi).c_str(), unit.c_str());
+    if (steps > 0) {
+        std::fprintf(out, "Processing :\n");
+        for (int i = 0; i < steps; ++i) std::fprintf(out, "        %s\n", history[i]);
+    }
 }
 

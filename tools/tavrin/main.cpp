@@ -21,6 +21,7 @@ const std::map<std::string, Command>& CommandTable()
         {"render", {CommandRender}},
         {"run", {CommandRun}},
         {"demo", {CommandDemo}},
+        {"geom", {CommandGeom}},
     };
     return table;
 }
@@ -53,8 +54,18 @@ void PrintUsage(FILE* out)
         "                          with contours; --full: colour bar, ruler, text, histogram)\n"
         "  run SCRIPT              run a script (- for standard input): one command a line,\n"
         "                          an entry point's name without dl_ and its arguments, or\n"
-        "                          answer yes|no|cancel|ok|NUMBER|\"TEXT\", render OUT.png, info\n"
+        "                          answer yes|no|cancel|ok|NUMBER|\"TEXT\", render OUT.png, info,\n"
+        "                          pick X,Y ... (points for a selection, in image pixels)\n"
         "  demo [--out DIR]        make the built-in sample data, save, reload and render it\n"
+        "  geom IN OUT --op NAME   one geometry command on the image, the result saved as OUT\n"
+        "                          (.tif, or .png for its picture); NAME: mirror-x mirror-y\n"
+        "                          transpose rot90 rot180 rot270 pad256 pad512 interp128\n"
+        "                          interp256 interp512\n"
+        "  geom IN OUT --rotate X0,Y0,X1,Y1,X2,Y2\n"
+        "                          turn about (X0,Y0) by the angle between the directions to\n"
+        "                          the two other points (image pixels)\n"
+        "  geom IN OUT --translate X0,Y0,X1,Y1\n"
+        "                          shift by the vector from the first point to the second\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"

@@ -1,4 +1,5 @@
 #include "script.h"
+#include "pick.h"
 #include "item_info.h"
 #include "picture.h"
 #include "script_call.h"
@@ -70,7 +71,7 @@ const std::map<std::string, const ScriptEntry*>& EntryIndex()
 
 const char* const kHostCommands[] = {"answer", "render", "info", "entries", "Error", "Log2Disk",
                                      "OutputDebugString", "SaveWindow", "VFS_open_vfs", "VFS_close_vfs",
-                                     "VFS_set_current_vfs"};
+                                     "VFS_set_current_vfs", "pick"};
 
 // Host commands of a script that are not entry points of the library.
 bool RunHostCommand(const std::string& name, const std::vector<std::string>& words, const bool* quoted, FILE* out)
@@ -84,6 +85,19 @@ bool RunHostCommand(const std::string& name, const std::vector<std::string>& wor
         if (words.size() != 2) throw ScriptError("render needs one file name");
         if (!WriteCurrentPicture(words[1])) throw ScriptError("could not write '" + words[1] + "'");
         std::fprintf(out, "render: %s\n", words[1].c_str());
+        return true;
+    }
+    if (name == "pick") {
+        // pick X,Y ...: points in image pixels for the selection the library started.
+        std::vector<std::pair<int, int>> points;
+        for (size_t i = 1; i < words.size(); ++i) {
+            std::pair<int, int> p;
+            if (!ParsePoint(words[i], &p)) throw ScriptError("pick takes points X,Y: '" + words[i] + "'");
+            points.push_back(p);
+        }
+        if (points.empty()) throw ScriptError("pick needs points X,Y");
+        if (!CurrentPickMode().active) throw ScriptError("pick: no selection is waiting for points");
+        std::fprintf(out, "pick: %s\n", PickImagePoints(points) ? "done" : "more points wanted");
         return true;
     }
     if (name == "info") {

@@ -1,0 +1,28 @@
+// The host's pick mode: the library asks for points with ap_SelectPointInVFS over a rectangle
+// of the frame store, and the host answers with mouse events. A script or a command gives the
+// points in image pixels; they are turned into positions within the rectangle and reported as
+// a move and a left click each.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tavrin/tavrin.h"
+
+struct PickMode {
+    bool active = false;
+    int left = 0, top = 0, right = 0, bottom = 0;
+    int type = 0;
+    int cursor = 0;
+};
+
+// The pick mode the library asked for last (kept by the callback).
+PickMode& CurrentPickMode();
+
+// Reports the points; answers true when the library ended the selection with the last one.
+// Without a pick mode nothing is sent and the answer is false.
+bool PickImagePoints(const std::vector<std::pair<int, int>>& points);
+
+// "X,Y" (image pixels) into a point; false when the text is no such pair.
+bool ParsePoint(const std::string& text, std::pair<int, int>* point);
