@@ -440,3 +440,69 @@ TEST_F(HostCliTest, DemoFinishesAndItsFilesLoadAgain)
 }
 
 } // namespace
+
+TEST_F(HostCliTest, GeomWritesTheResultAsAnImageFileWithItsHistory)
+{
+    SaveTopography("t.tif");
+    HostRun run = Run("geom t.tif m.tif --op mirror-x");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "m.tif\n");
+    run = Run("geom m.tif mm.tif --op mirror-x");
+    EXPECT_EQ(run.status, 0) << run.err;
+    // Mirrored twice: the codes of the source again, and two steps of history.
+    EXPECT_EQ(Run("pixels t.tif -o a.bin").status, 0);
+    EXPECT_EQ(Run("pixels mm.tif -o b.bin").status, 0);
+    EXPECT_EQ(ReadFileBytes(Path("a.bin")), ReadFileBytes(Path("b.bin")));
+    run = Run("info mm.tif");
+    EXPECT_TRUE(Contains(run.out, "Processing :\n        Reflect in X axis\n        Reflect in X axis\n")) << run.out;
+    run = Run("info mm.tif --json");
+    EXPECT_TRUE(Contains(run.out, "\"history\": [\"Reflect in X axis\", \"Reflect in X axis\"]")) << run.out;
+    run = Run("info t.tif --json");
+    EXPECT_TRUE(Contains(run.out, "\"history\": []")) << run.out;
+}
+
+TEST_F(HostCliTest, GeomRotatesByThreePointsThroughThePickModeAndWritesAPicture)
+{
+    SaveTopography("t.tif");
+    HostRun run = Run("-v geom t.tif r.tif --rotate 256,256,400,256,400,340");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "Rotate (256 256) (400 256) (400 340)")) << run.out;
+    EXPECT_TRUE(Contains(Run("info r.tif").out, "        Rotate theta\n"));
+    run = Run("geom t.tif r.png --rotate 256,256,400,256,400,340");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(ReadFileBytes(Path("r.png")).substr(1, 3), "PNG");
+}
+
+TEST_F(HostCliTest, GeomRefusalsAreErrorsAndWrongOptionsUsageErrors)
+{
+    SaveTopography("t.tif");
+    HostRun run = Run("geom t.tif p.tif --op pad256");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Contains(run.err, "Image too large for this function")) << run.err;
+    EXPECT_FALSE(fs::exists(Path("p.tif")));
+    EXPECT_EQ(Run("geom t.tif p.tif --op spin").status, 2);
+    EXPECT_EQ(Run("geom t.tif p.tif --op rot90 --translate 1,1,2,2").status, 2);
+    EXPECT_EQ(Run("geom t.tif p.tif --rotate 1,2,3").status, 2);
+    EXPECT_EQ(Run("geom t.tif p.bin --op rot90").status, 2);
+}
+
+TEST_F(HostCliTest, AScriptFinishesATranslationWithPickedPoints)
+{
+    SaveTopography("t.tif");
+    WriteFileBytes(Path("script.txt"),
+                   "OpenSTMData 0 \"t.tif\"\n"
+                   "pb_DisplayImage\n"
+                   "ImageTranslate\n"
+                   "pick 10,10\n"
+                   "pick 40,30\n"
+                   "info\n"
+                   "PreviousData1\n"
+                   "info\n");
+    HostRun run = Run("run script.txt");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "pick: more points wanted\npick: done\n")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "Processing :\n        Translate\n")) << run.out;
+    // One step back: the source, with no history.
+    EXPECT_EQ(run.out.find("Processing :"), run.out.rfind("Processing :")) << run.out;
+    EXPECT_TRUE(Contains(ReadLog(), "Translate image 'Au(111) terraces with clusters' by (30,20)"));
+}

@@ -35,10 +35,10 @@ void PrintItemInfo(FILE* out, bool json)
         for (int i = 0; i < steps; ++i) names += (i ? ", " : "") + JsonString(history[i], std::strlen(history[i]));
         names += "]";
         std::fprintf(out,
-                     "{\"class\": %s, \"title\": %s, \"type\": %s, \"unit\": %s, \"history\": %s, \"header\": %s}\n",
+                     "{\"class\": %s, \"title\": %s, \"type\": %s, \"unit\": %s, \"header\": %s, \"history\": %s}\n",
                      JsonString(std::string(1, letter).c_str(), 1).c_str(), JsonString(title.c_str(), title.size()).c_str(),
-                     JsonString(type, sizeof type).c_str(), JsonString(unit.c_str(), unit.size()).c_str(), names.c_str(),
-                     HeaderToJson(item).c_str());
+                     JsonString(type, sizeof type).c_str(), JsonString(unit.c_str(), unit.size()).c_str(),
+                     HeaderToJson(item).c_str(), names.c_str());
         return;
     }
     std::fprintf(out, "item:   %s\n", descriptor);
