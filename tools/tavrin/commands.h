@@ -2,6 +2,8 @@
 // command reported an error, 2 for a usage error.
 #pragma once
 
+#include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,14 @@ int CommandRender(const Args& args);
 int CommandRun(const Args& args);
 int CommandDemo(const Args& args);
 int CommandGeom(const Args& args);
+int CommandFilter(const Args& args);
+
+// The script's forms of the kernel table entry points: the kernel as a text "v1,v2,...".
+void ScriptGet3x3KernelParam(int16_t index, char* text);
+void ScriptGet5x5KernelParam(int16_t index, char* text);
+void ScriptGetEE3x3KernelParam(int16_t index, char* text);
+void ScriptSet3x3KernelParam(int16_t index, const char* text);
+void ScriptSet5x5KernelParam(int16_t index, const char* text);
 
 // Prints the usage text to the stream.
 void PrintUsage(FILE* out);

@@ -22,6 +22,7 @@ const std::map<std::string, Command>& CommandTable()
         {"run", {CommandRun}},
         {"demo", {CommandDemo}},
         {"geom", {CommandGeom}},
+        {"filter", {CommandFilter}},
     };
     return table;
 }
@@ -66,6 +67,14 @@ void PrintUsage(FILE* out)
         "                          the two other points (image pixels)\n"
         "  geom IN OUT --translate X0,Y0,X1,Y1\n"
         "                          shift by the vector from the first point to the second\n"
+        "  filter IN OUT --kernel NAME [--user K1,...]\n"
+        "                          one filter on the image, the result saved as OUT (.tif, or\n"
+        "                          .png for its picture); NAME: low3 med3 high3 hsmooth3\n"
+        "                          vsmooth3 user1-3 user2-3 low5 med5 high5 hsmooth5 vsmooth5\n"
+        "                          user1-5 user2-5 edge-v edge-h edge-d1 edge-d2 laplace median5\n"
+        "                          median9; --user sets a user kernel first (9 or 25 values)\n"
+        "  filter IN OUT --diff ANGLE\n"
+        "                          the derivative at ANGLE degrees to the x-axis\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"

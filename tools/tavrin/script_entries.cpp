@@ -3,6 +3,7 @@
 // window's bitmap) and those of a variable argument list (Error, Log2Disk, OutputDebugString)
 // are host commands of the script instead; Initialise, Finish and SetPlatformTable belong to
 // the host's start and end.
+#include "commands.h"
 #include "record_fields.h"
 #include "script_call.h"
 
@@ -108,6 +109,18 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_Interpolate256),
         TAVRIN_ENTRY(dl_Interpolate512),
         TAVRIN_ENTRY(dl_SelectPointInVFS_Callback),
+        // filters; the kernel tables take and give their values as a text "v1,v2,..."
+        TAVRIN_ENTRY(dl_Convolve3x3),
+        TAVRIN_ENTRY(dl_Convolve5x5),
+        TAVRIN_ENTRY(dl_EdgeEnhance3x3),
+        MakeEntry("Get3x3KernelParam", ScriptGet3x3KernelParam),
+        MakeEntry("Get5x5KernelParam", ScriptGet5x5KernelParam),
+        MakeEntry("GetEE3x3KernelParam", ScriptGetEE3x3KernelParam),
+        MakeEntry("Set3x3KernelParam", ScriptSet3x3KernelParam),
+        MakeEntry("Set5x5KernelParam", ScriptSet5x5KernelParam),
+        TAVRIN_ENTRY(dl_DifferentiateImage),
+        TAVRIN_ENTRY(dl_ImageMedianFilter5),
+        TAVRIN_ENTRY(dl_ImageMedianFilter9),
     };
     return entries;
 }
