@@ -5,12 +5,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static const bool ready = [] {
-        ResetProcessState();
-        fuzzsupport::WorkDirectory();
-        return true;
-    }();
-    (void)ready;
+    fuzzsupport::StartOnce();
     fuzzsupport::Check(FirstItem == nullptr, "empty list before the load");
     const size_t blocks = LiveBlockCount();
     const std::string path = fuzzsupport::WriteInput(data, size);

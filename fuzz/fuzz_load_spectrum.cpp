@@ -118,12 +118,7 @@ std::string WrittenSpectrum(const std::string& directory, int n, int revNo, size
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static const bool ready = [] {
-        ResetProcessState();
-        fuzzsupport::WorkDirectory();
-        return true;
-    }();
-    (void)ready;
+    fuzzsupport::StartOnce();
     const std::string path = fuzzsupport::WriteInput(data, size);
     ReadOne(path);
     // The revision of the image and the count come from the input's last byte, so that every

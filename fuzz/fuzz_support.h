@@ -46,6 +46,17 @@ inline std::string WriteInput(const uint8_t* data, size_t size)
     return path;
 }
 
+// The first input of a process starts from a fresh library state in a private directory.
+inline void StartOnce()
+{
+    static const bool ready = [] {
+        ResetProcessState();
+        WorkDirectory();
+        return true;
+    }();
+    (void)ready;
+}
+
 inline void Check(bool condition, const char* what)
 {
     if (!condition) {

@@ -58,6 +58,18 @@ ImageCommand QuarterTurn(const ImageHeaderType* image, int code)
     return c;
 }
 
+// A quarter turn: the axes exchanged, each result code from the source index `from` gives.
+void QuarterTurnCommand(int code, int64_t (*from)(int, int, int, int), const char* log)
+{
+    RunImageCommand(
+        QuarterTurn(CurrentItem, code),
+        [from](const ImageHeaderType* source, ImageHeaderType* result) {
+            ExchangeAxes(result);
+            QuarterTurnRows(source, result, from);
+        },
+        log);
+}
+
 } // namespace
 
 int64_t Rotate90Source(int r, int c, int w, int h)
@@ -126,27 +138,9 @@ void TransposeImage()
         "Transpose %s\n");
 }
 
-void RotateImage90()
-{
-    RunImageCommand(
-        QuarterTurn(CurrentItem, 38),
-        [](const ImageHeaderType* source, ImageHeaderType* result) {
-            ExchangeAxes(result);
-            QuarterTurnRows(source, result, Rotate90Source);
-        },
-        "Rotate '%s' by 90 degrees.\n");
-}
+void RotateImage90() { QuarterTurnCommand(38, Rotate90Source, "Rotate '%s' by 90 degrees.\n"); }
 
-void RotateImage270()
-{
-    RunImageCommand(
-        QuarterTurn(CurrentItem, 40),
-        [](const ImageHeaderType* source, ImageHeaderType* result) {
-            ExchangeAxes(result);
-            QuarterTurnRows(source, result, Rotate270Source);
-        },
-        "Rotate '%s' by 270 degrees.\n");
-}
+void RotateImage270() { QuarterTurnCommand(40, Rotate270Source, "Rotate '%s' by 270 degrees.\n"); }
 
 void RotateImage180()
 {

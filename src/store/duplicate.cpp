@@ -27,6 +27,40 @@ bool PixelBlockSize(const ImageHeaderType* record, size_t* count, size_t* size)
     return false;
 }
 
+// A new item behind `source` with a copy of its header. The FFT block and the attached spectra
+// describe the source's own pixels and stay with it; so does the mapping set unless
+// `shareMapping`. Null after a report, with the list as it was.
+ImageHeaderType* NewItemWithHeader(const ImageHeaderType* source, int copyHitData, bool shareMapping)
+{
+    ImageHeaderType* item = AllocateListItem(const_cast<ImageHeaderType*>(source));
+    if (!item) return nullptr;
+    const int copyFailed = CopyImageHeader(item, source, copyHitData);
+    SetFFTBlock(item, nullptr);
+    if (!shareMapping) SetCITSBlock(item, nullptr);
+    SetSPSRefChain(item, nullptr);
+    item->nSPSRefData = 0;
+    if (copyFailed) {
+        UnlinkListItem(item);
+        return nullptr;
+    }
+    return item;
+}
+
+// Gives the new item a pixel block of count elements of `size` bytes; on failure 32769 and the
+// item leaves the list again.
+bool AttachPixels(ImageHeaderType* item, size_t count, size_t size)
+{
+    MemHandleType pixels;
+    if (!AllocateMemNoErr(count, size, &pixels)) {
+        Error(ERR_NO_MEMORY);
+        UnlinkListItem(item);
+        return false;
+    }
+    item->PixHandle = pixels.Handle;
+    item->PixData = static_cast<uint16_t*>(pixels.Ptr);
+    return true;
+}
+
 } // namespace
 
 ImageHeaderType* DuplicateForResult(const ImageHeaderType* source)
@@ -36,25 +70,9 @@ ImageHeaderType* DuplicateForResult(const ImageHeaderType* source)
         ProgramError("CopyNewHEader");
         return nullptr;
     }
-    ImageHeaderType* item = AllocateListItem(const_cast<ImageHeaderType*>(source));
-    if (!item) return nullptr;
-    const int copyFailed = CopyImageHeader(item, source, 1);
-    SetFFTBlock(item, nullptr);
-    SetSPSRefChain(item, nullptr);
-    item->nSPSRefData = 0;
-    if (copyFailed) {
-        UnlinkListItem(item);
-        return nullptr;
-    }
-    MemHandleType pixels;
-    if (!AllocateMemNoErr(count, size, &pixels)) {
-        Error(ERR_NO_MEMORY);
-        UnlinkListItem(item);
-        return nullptr;
-    }
-    std::memset(pixels.Ptr, 0, count * size);
-    item->PixHandle = pixels.Handle;
-    item->PixData = static_cast<uint16_t*>(pixels.Ptr);
+    ImageHeaderType* item = NewItemWithHeader(source, 1, true);
+    if (!item || !AttachPixels(item, count, size)) return nullptr;
+    std::memset(item->PixData, 0, count * size);
     StampSaved(item);
     return item;
 }
@@ -84,27 +102,11 @@ ImageHeaderType* DuplicateResized(ImageHeaderType* source, int nx, int ny)
         ProgramError("DuplicateResized %d %d", nx, ny);
         return nullptr;
     }
-    ImageHeaderType* item = AllocateListItem(source);
+    ImageHeaderType* item = NewItemWithHeader(source, 0, false);
     if (!item) return nullptr;
-    const int copyFailed = CopyImageHeader(item, source, 0);
-    SetFFTBlock(item, nullptr);
-    SetCITSBlock(item, nullptr);
-    SetSPSRefChain(item, nullptr);
-    item->nSPSRefData = 0;
-    if (copyFailed) {
-        UnlinkListItem(item);
-        return nullptr;
-    }
     item->nx = static_cast<int16_t>(nx);
     item->ny = static_cast<int16_t>(ny);
-    MemHandleType pixels;
-    if (!AllocateMemNoErr(static_cast<size_t>(nx) * static_cast<size_t>(ny), sizeof(uint16_t), &pixels)) {
-        Error(ERR_NO_MEMORY);
-        UnlinkListItem(item);
-        return nullptr;
-    }
-    item->PixHandle = pixels.Handle;
-    item->PixData = static_cast<uint16_t*>(pixels.Ptr);
+    if (!AttachPixels(item, static_cast<size_t>(nx) * static_cast<size_t>(ny), sizeof(uint16_t))) return nullptr;
     return item;
 }
 
