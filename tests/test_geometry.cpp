@@ -701,3 +701,28 @@ TEST_F(GeometrySampleTest, TheLatticeTurnedByAnAngleMeasuresThatAngleWithinHalfA
     if (want > 30) want -= 60;
     EXPECT_NEAR(seen, want, 0.5) << "before " << before << " after " << after;
 }
+
+// Traces.
+
+namespace {
+
+class GeometryTraceTest : public GeometryTest {
+protected:
+    void SetUp() override
+    {
+        LibraryTest::SetUp();
+        ASSERT_EQ(host.Start("tavrin.exe /DBG"), 0);
+    }
+};
+
+} // namespace
+
+TEST_F(GeometryTraceTest, EveryEntryPointTracesItsOldName)
+{
+    for (Command command : kCommands) command();
+    for (const char* name : {"DLL_ImageMirrorX", "DLL_ImageMirrorY", "DLL_TransposeImage", "DLL_RotateImage90",
+                             "DLL_RotateImage180", "DLL_RotateImage270", "DLL_RotateImageA", "DLL_ImageTranslate",
+                             "DLL_PadTo256Points", "DLL_PadTo512Points", "DLL_Interpolate128", "DLL_Interpolate256",
+                             "DLL_Interpolate512"})
+        EXPECT_EQ(CountInLog(name), 1) << name;
+}
