@@ -127,7 +127,14 @@ int SelectPointInVFS_Callback(int type, int x, int y, int buttons, int32_t /*hnd
         const SelectionHandler handler = s.Handler;
         result = handler(buttons);
     }
-    if (result) EndSelection();
+    if (result) {
+        EndSelection();
+    } else {
+        // The command keeps the selection open for its next shape.
+        s.CurrentPoint = 0;
+        s.BandShown = 0;
+        s.LastButtons = 0;
+    }
     s.Busy = 0;
     return result;
 }

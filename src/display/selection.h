@@ -13,8 +13,10 @@ constexpr int kButtonLeft = 1;
 constexpr int kButtonMiddle = 2;
 constexpr int kButtonRight = 4;
 
-// What the command does when the selection ends. `status` has bit 0 set when the user set
-// every point (no right button, no early end). Answers 1 when the selection is over.
+// What the command does when the last point is set (or the right button ends the selection).
+// `status` is the buttons word of that event: bit 0 set when the user set every point with the
+// left button. Answers 1 when the selection is over; 0 keeps it open for the next shape, from
+// its first point again.
 using SelectionHandler = int (*)(int status);
 
 struct SelectionStateType {
