@@ -10,7 +10,7 @@ FUZZ_SECONDS ?= 60
 
 PKGS_BUILD := cmake ninja-build g++
 PKGS_TEST  := $(PKGS_BUILD) libgtest-dev libgmock-dev libtiff-tools python3-pil
-PKGS_BENCH := $(PKGS_BUILD) libbenchmark-dev
+PKGS_BENCH := $(PKGS_BUILD) libbenchmark-dev python3-scipy python3-numpy
 PKGS_FUZZ  := $(PKGS_BUILD) clang libclang-rt-14-dev
 
 # $(call need,packages): install what is missing (as root), or print the line to run.
@@ -53,6 +53,7 @@ bench:
 	cmake -S . -B $(BENCH_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Release -DTAVRIN_BENCH=ON >/dev/null
 	cmake --build $(BENCH_BUILD) -j $(JOBS)
 	@for b in $(BENCH_BUILD)/bin/bench_*; do echo "== $$b"; $$b; done
+	@echo "== scipy.ndimage on the input of bench_filters"; /usr/bin/python3 bench/filters_scipy.py
 
 fuzz:
 	$(call need,$(PKGS_FUZZ))

@@ -112,6 +112,33 @@ inline void Order(uint16_t& a, uint16_t& b)
     b = high;
 }
 
+// Nineteen exchanges on values held in registers: sort the three rows, then the columns, then
+// the middle diagonal; p4 is then the fifth smallest.
+inline uint16_t Middle9(uint16_t p0, uint16_t p1, uint16_t p2, uint16_t p3, uint16_t p4, uint16_t p5, uint16_t p6,
+                        uint16_t p7, uint16_t p8)
+{
+    Order(p1, p2);
+    Order(p4, p5);
+    Order(p7, p8);
+    Order(p0, p1);
+    Order(p3, p4);
+    Order(p6, p7);
+    Order(p1, p2);
+    Order(p4, p5);
+    Order(p7, p8);
+    Order(p0, p3);
+    Order(p5, p8);
+    Order(p4, p7);
+    Order(p3, p6);
+    Order(p1, p4);
+    Order(p2, p5);
+    Order(p4, p7);
+    Order(p4, p2);
+    Order(p6, p4);
+    Order(p4, p2);
+    return p4;
+}
+
 void MedianBand(const uint16_t* source, uint16_t* result, int nx, int ny, int points, int first, int last)
 {
     for (int y = first; y < last; ++y) {
@@ -126,11 +153,9 @@ void MedianBand(const uint16_t* source, uint16_t* result, int nx, int ny, int po
         if (points == 5) {
             for (int x = 0; x < n; ++x) out[x] = MedianOf5(up[x + 1], mid[x], mid[x + 1], mid[x + 2], down[x + 1]);
         } else {
-            for (int x = 0; x < n; ++x) {
-                const uint16_t v[9] = {up[x], up[x + 1], up[x + 2], mid[x], mid[x + 1], mid[x + 2],
-                                       down[x], down[x + 1], down[x + 2]};
-                out[x] = MedianOf9(v);
-            }
+            for (int x = 0; x < n; ++x)
+                out[x] = Middle9(up[x], up[x + 1], up[x + 2], mid[x], mid[x + 1], mid[x + 2], down[x], down[x + 1],
+                                 down[x + 2]);
         }
     }
 }
@@ -150,32 +175,7 @@ uint16_t MedianOf5(uint16_t a, uint16_t b, uint16_t c, uint16_t d, uint16_t e)
     return c;
 }
 
-uint16_t MedianOf9(const uint16_t v[9])
-{
-    // Nineteen exchanges: sort the three rows, then the columns, then the middle diagonal.
-    uint16_t p[9];
-    std::memcpy(p, v, sizeof p);
-    Order(p[1], p[2]);
-    Order(p[4], p[5]);
-    Order(p[7], p[8]);
-    Order(p[0], p[1]);
-    Order(p[3], p[4]);
-    Order(p[6], p[7]);
-    Order(p[1], p[2]);
-    Order(p[4], p[5]);
-    Order(p[7], p[8]);
-    Order(p[0], p[3]);
-    Order(p[5], p[8]);
-    Order(p[4], p[7]);
-    Order(p[3], p[6]);
-    Order(p[1], p[4]);
-    Order(p[2], p[5]);
-    Order(p[4], p[7]);
-    Order(p[4], p[2]);
-    Order(p[6], p[4]);
-    Order(p[4], p[2]);
-    return p[4];
-}
+uint16_t MedianOf9(const uint16_t v[9]) { return Middle9(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8]); }
 
 void CorrelateRows(const uint16_t* source, uint16_t* result, int nx, int ny, const int8_t* kernel, int size,
                    int first, int last)
