@@ -124,9 +124,10 @@ int Filter(const Args& args)
 // The kernel as "v1,v2,..." in a script's text buffer.
 void KernelText(const int16_t* values, int count, char* text)
 {
-    std::string s;
-    for (int i = 0; i < count; ++i) s += (i ? "," : "") + std::to_string(values[i]);
-    std::strncpy(text, s.c_str(), 4095);
+    size_t at = 0;
+    text[0] = '\0';
+    for (int i = 0; i < count; ++i)
+        at += static_cast<size_t>(std::snprintf(text + at, 4096 - at, i ? ",%d" : "%d", values[i]));
 }
 
 // A kernel given as a script's text of numbers; missing numbers are 0, extra ones ignored.
