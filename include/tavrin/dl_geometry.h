@@ -4,7 +4,9 @@
  * Each command works on the current image, makes a new item behind it with the result (drawn
  * row by row into the current frame store), notes the command in the new item's processing
  * history, writes a log line and makes the new item current. The source stays in the list, so
- * dl_PreviousData1 steps back to it. FFT and SPS Mapping images are refused. */
+ * dl_PreviousData1 steps back to it. FFT and SPS Mapping images are refused. The two commands
+ * that take points (rotation by an angle, translation) finish through the pick mode of
+ * dl_selection.h. */
 #ifndef TAVRIN_DL_GEOMETRY_H
 #define TAVRIN_DL_GEOMETRY_H
 
@@ -36,15 +38,5 @@ TAVRIN_API void dl_PadTo512Points(void);
 TAVRIN_API void dl_Interpolate128(void);
 TAVRIN_API void dl_Interpolate256(void);
 TAVRIN_API void dl_Interpolate512(void);
-
-/* Buttons of a pick-mode event: 0 a move, bit 0 left, bit 1 middle, bit 2 right. */
-#define TV_PICK_LEFT 1
-#define TV_PICK_MIDDLE 2
-#define TV_PICK_RIGHT 4
-
-/* One event of the host's pick mode, started by ap_SelectPointInVFS(left, top, right, bottom,
- * type, cursor): x and y count from the top left of that rectangle. Answers non-zero when the
- * selection has ended, and the host then leaves the pick mode. */
-TAVRIN_API int16_t dl_SelectPointInVFS_Callback(int16_t type, int16_t x, int16_t y, int16_t buttons, int32_t hndl);
 
 #endif

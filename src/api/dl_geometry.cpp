@@ -1,6 +1,5 @@
-// Entry points: geometry of images and the pick-mode events.
+// Entry points: geometry of images.
 #include "tavrin/dl_geometry.h"
-#include "display/selection.h"
 #include "host/trace.h"
 #include "image/geometry.h"
 
@@ -80,10 +79,4 @@ TAVRIN_API void dl_Interpolate512(void)
 {
     TraceEntry("DLL_Interpolate512");
     InterpolateTo(512);
-}
-
-TAVRIN_API int16_t dl_SelectPointInVFS_Callback(int16_t type, int16_t x, int16_t y, int16_t buttons, int32_t hndl)
-{
-    TraceEntry("dl_SelectPointInVFS_Callback");
-    return static_cast<int16_t>(SelectPointInVFS_Callback(type, x, y, buttons, hndl));
 }

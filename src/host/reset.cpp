@@ -3,8 +3,11 @@
 #include "files/file_state.h"
 #include "display/colour_startup.h"
 #include "display/render.h"
+#include "display/scroll_bars.h"
+#include "display/select_items.h"
 #include "display/selection.h"
 #include "display/vfs.h"
+#include "image/filter_kernels.h"
 #include "image/geometry.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
@@ -24,7 +27,10 @@
 void ResetProcessState()
 {
     ResetGeometryState();
+    ResetFilterKernels();
     ResetSelectionState();
+    ResetScrollBars();
+    ResetSelectItems();
     ResetDataListState();
     ResetFrameStoreState();
     ResetMemoryState();
