@@ -5,6 +5,7 @@
 
 #include "tavrin/dl_data_list.h"
 #include "tavrin/dl_geometry.h"
+#include "tavrin/dl_selection.h"
 #include "display/selection.h"
 #include "image/geometry.h"
 #include "files/sample_data.h"

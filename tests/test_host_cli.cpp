@@ -500,7 +500,7 @@ TEST_F(HostCliTest, AScriptFinishesATranslationWithPickedPoints)
                    "info\n");
     HostRun run = Run("run script.txt");
     EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_TRUE(Contains(run.out, "pick: more points wanted\npick: done\n")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "pick: going on\npick: done\n")) << run.out;
     EXPECT_TRUE(Contains(run.out, "Processing :\n        Translate\n")) << run.out;
     // One step back: the source, with no history.
     EXPECT_EQ(run.out.find("Processing :"), run.out.rfind("Processing :")) << run.out;

@@ -220,7 +220,10 @@ int32_t FileDialogCb(void*, int32_t open, const char*, const char*, const char* 
     if (path && size) std::snprintf(path, size, "%s", a.c_str());
     return 1;
 }
-int16_t KeyStateCb(void*, int32_t) { return 0; }
+int16_t KeyStateCb(void*, int32_t key)
+{
+    return g_current && g_current->keysDown.count(key) ? static_cast<int16_t>(0x8000) : 0;
+}
 void SetWaitCursorCb(void*, int32_t on) { R("SetWaitCursor", Join(on)); }
 int32_t ProgressOpenCb(void*, const char* title)
 {

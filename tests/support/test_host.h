@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,8 @@ public:
     std::deque<std::string> entryAnswers;
     // Answers of ap_SelectDataDialog; empty: -1 (cancel).
     std::deque<int16_t> selectAnswers;
+    // Keys held down (virtual key codes) as the platform's key state answers them.
+    std::set<int> keysDown;
     // Answers of ap_Poll; empty: 0.
     std::deque<int16_t> pollAnswers;
     // Pending Cancel of the progress dialog, answered by the next message pump.
