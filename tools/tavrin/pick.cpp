@@ -41,6 +41,22 @@ bool PickImagePoints(const std::vector<std::pair<int, int>>& points)
     return ended;
 }
 
+int PickEvent(int x, int y, const std::string& button)
+{
+    PickMode& mode = CurrentPickMode();
+    if (!mode.active) return -1;
+    int buttons = 0;
+    if (button == "left" || button == "shift") buttons = TV_PICK_LEFT;
+    else if (button == "middle") buttons = TV_PICK_MIDDLE;
+    else if (button == "right") buttons = TV_PICK_RIGHT;
+    mode.shiftHeld = button == "shift";
+    const int answer = dl_SelectPointInVFS_Callback(static_cast<int16_t>(mode.type), static_cast<int16_t>(x),
+                                                    static_cast<int16_t>(y), static_cast<int16_t>(buttons), mode.type);
+    mode.shiftHeld = false;
+    if (answer) mode.active = false;
+    return answer;
+}
+
 bool ParsePoint(const std::string& text, std::pair<int, int>* point)
 {
     char* end = nullptr;

@@ -15,6 +15,7 @@ struct PickMode {
     int left = 0, top = 0, right = 0, bottom = 0;
     int type = 0;
     int cursor = 0;
+    bool shiftHeld = false;   // for the platform's key state during one event
 };
 
 // The pick mode the library asked for last (kept by the callback).
@@ -23,6 +24,11 @@ PickMode& CurrentPickMode();
 // Reports the points; answers true when the library ended the selection with the last one.
 // Without a pick mode nothing is sent and the answer is false.
 bool PickImagePoints(const std::vector<std::pair<int, int>>& points);
+
+// One raw event at frame position (x, y) from the corner of the pick rectangle: `button` is
+// "move", "left", "middle", "right" or "shift" (left with Shift held). Answers the library's
+// answer (non-zero: the selection ended); without a pick mode nothing is sent and -1 answered.
+int PickEvent(int x, int y, const std::string& button);
 
 // "X,Y" (image pixels) into a point; false when the text is no such pair.
 bool ParsePoint(const std::string& text, std::pair<int, int>* point);

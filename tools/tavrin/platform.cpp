@@ -1,6 +1,7 @@
 // The platform table of the command-line host: message boxes are answered from the script's
 // queue, then from --yes / --no, then by their default button; a question nobody answered is
 // printed to standard error with the answer taken.
+#include "pick.h"
 #include "session.h"
 
 #include <cstdio>
@@ -73,9 +74,17 @@ void DebugOutput(void*, const char* text)
 
 } // namespace
 
+// The Shift key is held while a script's `pick ... shift` event is reported.
+int16_t KeyState(void*, int32_t key)
+{
+    constexpr int32_t kShift = 0x10;
+    return key == kShift && CurrentPickMode().shiftHeld ? static_cast<int16_t>(0x8000) : 0;
+}
+
 TavrinPlatformTable HostPlatformTable()
 {
     TavrinPlatformTable p{};
+    p.KeyState = KeyState;
     p.MessageBox = MessageBox;
     p.FileDialog = FileDialog;
     p.DebugOutput = DebugOutput;

@@ -33,3 +33,25 @@ TABLE(wint_DisplayParamType, "DisplayParam", F(ImageDisplaySize), F(wint_TextOve
       F(FullDisplayOn))
 
 TABLE(C3DParam, "3DParam", F(DataId), F(nx), F(ny), F(SizeX), F(SizeY), F(Height), F(SizeUnit), F(HeightUnit))
+
+// The item list: its count, the row a button acts on, and the first rows (a script shows and
+// sets these; the record holds 2000).
+template <>
+const RecordFields* FieldsOf<wint_SelectItemCol>()
+{
+    using L = wint_SelectItemCol;
+    constexpr size_t text = TV_SELECT_ITEM_TEXT;
+#define ROW(i)                                                                                        \
+    RecordField{"Row" #i, offsetof(L, Texts) + (i) * 3 * text, text, RecordField::Text},              \
+        RecordField{"Title" #i, offsetof(L, Texts) + ((i) * 3 + 1) * text, text, RecordField::Text},  \
+        RecordField{"Selected" #i, offsetof(L, Selected) + (i) * 4, 4, RecordField::I32},             \
+        RecordField{"Colour" #i, offsetof(L, Colours) + (i) * 4, 4, RecordField::U32}
+    static const RecordField fields[] = {
+        RecordField{"Count", offsetof(L, Count), 4, RecordField::I32},
+        RecordField{"Row", offsetof(L, Extra) + 4, 4, RecordField::I32},
+        ROW(0), ROW(1), ROW(2), ROW(3),
+    };
+#undef ROW
+    static const RecordFields table = {"SelectItemCol", fields, sizeof fields / sizeof fields[0]};
+    return &table;
+}

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <map>
+#include <set>
 #include <sstream>
 
 namespace {
@@ -71,7 +72,7 @@ const std::map<std::string, const ScriptEntry*>& EntryIndex()
 
 const char* const kHostCommands[] = {"answer", "render", "info", "entries", "Error", "Log2Disk",
                                      "OutputDebugString", "SaveWindow", "VFS_open_vfs", "VFS_close_vfs",
-                                     "VFS_set_current_vfs", "pick"};
+                                     "VFS_set_current_vfs", "pick", "slider"};
 
 // Host commands of a script that are not entry points of the library.
 bool RunHostCommand(const std::string& name, const std::vector<std::string>& words, const bool* quoted, FILE* out)
@@ -88,16 +89,40 @@ bool RunHostCommand(const std::string& name, const std::vector<std::string>& wor
         return true;
     }
     if (name == "pick") {
-        // pick X,Y ...: points in image pixels for the selection the library started.
+        if (!CurrentPickMode().active) throw ScriptError("pick: no selection is waiting for points");
+        if (words.size() >= 3 && words[1].find(',') == std::string::npos) {
+            // pick X Y [move|left|middle|right|shift]: one event at a frame position.
+            const std::string button = words.size() > 3 ? words[3] : "left";
+            static const std::set<std::string> buttons = {"move", "left", "middle", "right", "shift"};
+            if (words.size() > 4 || !buttons.count(button))
+                throw ScriptError("pick X Y takes one of move, left, middle, right, shift");
+            const int answer = PickEvent(static_cast<int>(ParseNumber(words[1])), static_cast<int>(ParseNumber(words[2])), button);
+            std::fprintf(out, "pick: %s\n", answer ? "done" : "going on");
+            return true;
+        }
+        // pick X,Y ...: points in image pixels, each a move and a left click.
         std::vector<std::pair<int, int>> points;
         for (size_t i = 1; i < words.size(); ++i) {
             std::pair<int, int> p;
-            if (!ParsePoint(words[i], &p)) throw ScriptError("pick takes points X,Y: '" + words[i] + "'");
+            if (!ParsePoint(words[i], &p)) throw ScriptError("pick takes points X,Y or X Y [button]: '" + words[i] + "'");
             points.push_back(p);
         }
-        if (points.empty()) throw ScriptError("pick needs points X,Y");
-        if (!CurrentPickMode().active) throw ScriptError("pick: no selection is waiting for points");
-        std::fprintf(out, "pick: %s\n", PickImagePoints(points) ? "done" : "more points wanted");
+        if (points.empty()) throw ScriptError("pick needs points");
+        std::fprintf(out, "pick: %s\n", PickImagePoints(points) ? "done" : "going on");
+        return true;
+    }
+    if (name == "slider") {
+        // slider ID STATE V1 [V2 [V3]]: a move of the host's slider of that id.
+        if (words.size() < 4 || words.size() > 6) throw ScriptError("slider takes ID STATE V1 [V2 [V3]]");
+        const auto id = static_cast<int16_t>(ParseNumber(words[1]));
+        const auto state = static_cast<int16_t>(ParseNumber(words[2]));
+        float v[3] = {};
+        for (size_t i = 3; i < words.size(); ++i) v[i - 3] = static_cast<float>(ParseNumber(words[i]));
+        int answer = 0;
+        if (words.size() == 4) answer = dl_Horz_Scroll_Bar1_Callback(id, state, v[0]);
+        else if (words.size() == 5) answer = dl_Horz_Scroll_Bar2_Callback(id, state, v[0], v[1]);
+        else answer = dl_Horz_Scroll_Bar3_Callback(id, state, v[0], v[1], v[2]);
+        std::fprintf(out, "slider = %d\n", answer);
         return true;
     }
     if (name == "info") {
