@@ -506,3 +506,48 @@ TEST_F(HostCliTest, AScriptFinishesATranslationWithPickedPoints)
     EXPECT_EQ(run.out.find("Processing :"), run.out.rfind("Processing :")) << run.out;
     EXPECT_TRUE(Contains(ReadLog(), "Translate image 'Au(111) terraces with clusters' by (30,20)"));
 }
+
+TEST_F(HostCliTest, AScriptTurnsTheLatticeByThreePicksWithTheBandShownBeforeTheLastClick)
+{
+    ImageHeaderType* item = MakeSampleLattice(nullptr);
+    ASSERT_NE(item, nullptr);
+    ASSERT_EQ(saveTiffImage(item, Path("lattice.tif").c_str(), 0), 0);
+    WriteFileBytes(Path("turn.txt"),
+                   "OpenSTMData 0 \"lattice.tif\"\n"
+                   "GetDisplayParam\n"
+                   "SetDisplayParam ImageDisplaySize=512\n"
+                   "pb_DisplayImage\n"
+                   "RotateImageA\n"
+                   "pick 256 256 move\n"
+                   "pick 256 256 left\n"
+                   "pick 256 256 move\n"
+                   "pick 400 256 left\n"
+                   "pick 400 256 move\n"
+                   "pick 400 330 move\n"
+                   "render band.png\n"
+                   "pick 400 330 left\n"
+                   "render turned.png\n"
+                   "info\n");
+    HostRun run = Run("run turn.txt");
+    ASSERT_EQ(run.status, 0) << run.err << run.out;
+    EXPECT_TRUE(Contains(run.out, "pick: done\n")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "        Rotate theta\n")) << run.out;
+    EXPECT_TRUE(Contains(ReadLog(), "Rotate (128 128) (200 128) (200 165)")) << ReadLog();
+    // The band (colour 22) runs along the first arm of the triangle, from (256, 256) to
+    // (400, 256), before the last click; the turned picture has none of it.
+    uint8_t r, g, b;
+    FixedColour(22, &r, &g, &b);
+    const std::array<int, 3> band{r, g, b};
+    png_check::DecodedPng before = png_check::DecodePngFile(fs::path(data), Path("band.png"), 3);
+    png_check::DecodedPng after = png_check::DecodePngFile(fs::path(data), Path("turned.png"), 3);
+    ASSERT_EQ(before.pixels.size(), 512u * 512u * 3u);
+    ASSERT_EQ(after.pixels.size(), 512u * 512u * 3u);
+    auto pixel = [](const png_check::DecodedPng& png, int x, int y) {
+        const uint8_t* p = &png.pixels[(static_cast<size_t>(y) * 512 + x) * 3];
+        return std::array<int, 3>{p[0], p[1], p[2]};
+    };
+    for (int x = 260; x <= 396; x += 17) {
+        EXPECT_EQ(pixel(before, x, 256), band) << x;
+        EXPECT_NE(pixel(after, x, 256), band) << x;
+    }
+}
