@@ -11,14 +11,7 @@
 
 namespace {
 
-// The input, read from the front; zero past its end.
-struct Reader {
-    const uint8_t* data;
-    size_t size;
-    size_t at = 0;
-    unsigned Byte() { return at < size ? data[at++] : 0u; }
-    unsigned Word() { return Byte() | (Byte() << 8); }
-};
+using fuzzsupport::Reader;
 
 ImageHeaderType* MakeSource(int nx, int ny, Reader& in)
 {

@@ -13,14 +13,7 @@
 
 namespace {
 
-struct Reader {
-    const uint8_t* data;
-    size_t size;
-    size_t at = 0;
-    unsigned Byte() { return at < size ? data[at++] : 0u; }
-    int Word() { return static_cast<int16_t>(Byte() | (Byte() << 8)); }
-    bool More() const { return at < size; }
-};
+using fuzzsupport::Reader;
 
 int g_answer = 1;
 int Handler(int) { return g_answer; }
@@ -54,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             const int region = static_cast<int>(in.Byte() % 8);
             const unsigned flags = in.Byte();
             g_answer = (flags & 0x80) ? 0 : 1;
-            SelectImagePoints(type, count, g_xs, g_ys, region, flags & 1, 0, 0, in.Word() % 600, (flags >> 1) & 1,
+            SelectImagePoints(type, count, g_xs, g_ys, region, flags & 1, 0, 0, in.SignedWord() % 600, (flags >> 1) & 1,
                               (flags >> 2) & 1, 2, Handler);
             SelectionState.AutoRepeat = static_cast<int16_t>((flags >> 3) & 1);
         } else if (op == 1) {
@@ -62,10 +55,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             if (CurrentItem != image) CurrentItem = image;
         } else {
             const int type = static_cast<int16_t>(in.Byte() % 40);
-            const int x = in.Word(), y = in.Word();
+            const int x = in.SignedWord(), y = in.SignedWord();
             const int buttons = static_cast<int>(in.Byte() % 8);
             dl_SelectPointInVFS_Callback(static_cast<int16_t>(type), static_cast<int16_t>(x), static_cast<int16_t>(y),
-                                         static_cast<int16_t>(buttons), in.Word());
+                                         static_cast<int16_t>(buttons), in.SignedWord());
         }
         // A command may have left its result current; the events go on over the source.
         CurrentItem = image;

@@ -57,6 +57,17 @@ inline void StartOnce()
     (void)ready;
 }
 
+// The input read from the front, zero past its end.
+struct Reader {
+    const uint8_t* data;
+    size_t size;
+    size_t at = 0;
+    unsigned Byte() { return at < size ? data[at++] : 0u; }
+    unsigned Word() { return Byte() | (Byte() << 8); }
+    int SignedWord() { return static_cast<int16_t>(Word()); }
+    bool More() const { return at < size; }
+};
+
 inline void Check(bool condition, const char* what)
 {
     if (!condition) {

@@ -52,15 +52,13 @@ bool ParseNumbers(const std::string& text, std::vector<int16_t>* out)
     return true;
 }
 
-bool IsPng(const std::string& path) { return path.size() > 4 && path.compare(path.size() - 4, 4, ".png") == 0; }
-
 int Filter(const Args& args)
 {
     CommandLine line = ParseCommandLine(args, {"--kernel", "--user", "--diff"}, {}, 2, 2);
     const std::string& out = line.words[1];
     const bool diff = !line.Value("--diff").empty();
     if (diff == !line.Value("--kernel").empty()) throw UsageError("filter needs one of --kernel, --diff");
-    if (!IsPng(out) && SaveTypeFor(out, false) != TV_SAVE_TIFF_16)
+    if (!IsImageResultPath(out))
         throw UsageError("the result goes to a .tif or .png file: '" + out + "'");
     KernelChoice choice{};
     if (!diff) {
@@ -88,13 +86,8 @@ int Filter(const Args& args)
         angle = a[0];
     }
 
-    const ImageHeaderType* source = OpenItem(line.words[0]);
+    const ImageHeaderType* source = OpenImageForCommand("filter", line.words[0]);
     if (!source) return 1;
-    if (!(dl_IsCurrentDataTypeImage() & TV_DATA_IMAGE_CLASS)) {
-        std::fprintf(stderr, "tavrin filter: '%s' holds no image\n", line.words[0].c_str());
-        return 1;
-    }
-    ShowCurrentItem(ShowOptions{});
     if (diff) {
         Answer answer{Answer::Number, static_cast<double>(angle), {}};
         Session().answers.push_back(answer);
@@ -110,15 +103,7 @@ int Filter(const Args& args)
         }
         choice.command(choice.index);
     }
-    if (Session().errorReported || dl_GetCurrentImagePtr() == source) return 1;
-    if (IsPng(out)) {
-        ShowCurrentItem(ShowOptions{});
-        if (!WriteCurrentPicture(out)) return 1;
-    } else if (!SaveCurrentItem(out, false)) {
-        return 1;
-    }
-    std::printf("%s\n", out.c_str());
-    return 0;
+    return WriteImageResult(source, out);
 }
 
 // The kernel as "v1,v2,..." in a script's text buffer.

@@ -41,15 +41,13 @@ std::vector<std::pair<int, int>> Points(const std::string& text, size_t count, c
     return points;
 }
 
-bool IsPng(const std::string& path) { return path.size() > 4 && path.compare(path.size() - 4, 4, ".png") == 0; }
-
 int Geom(const Args& args)
 {
     CommandLine line = ParseCommandLine(args, {"--op", "--rotate", "--translate"}, {}, 2, 2);
     const std::string& out = line.words[1];
     const int given = !line.Value("--op").empty() + !line.Value("--rotate").empty() + !line.Value("--translate").empty();
     if (given != 1) throw UsageError("geom needs one of --op, --rotate, --translate");
-    if (!IsPng(out) && SaveTypeFor(out, false) != TV_SAVE_TIFF_16)
+    if (!IsImageResultPath(out))
         throw UsageError("the result goes to a .tif or .png file: '" + out + "'");
     void (*op)(void) = nullptr;
     std::vector<std::pair<int, int>> points;
@@ -69,27 +67,14 @@ int Geom(const Args& args)
         points = Points(line.Value("--translate"), 2, "--translate");
     }
 
-    const ImageHeaderType* source = OpenItem(line.words[0]);
+    const ImageHeaderType* source = OpenImageForCommand("geom", line.words[0]);
     if (!source) return 1;
-    if (!(dl_IsCurrentDataTypeImage() & TV_DATA_IMAGE_CLASS)) {
-        std::fprintf(stderr, "tavrin geom: '%s' holds no image\n", line.words[0].c_str());
-        return 1;
-    }
-    ShowCurrentItem(ShowOptions{});
     op();
     if (!points.empty() && !PickImagePoints(points)) {
         std::fprintf(stderr, "tavrin geom: the points were not taken\n");
         return 1;
     }
-    if (Session().errorReported || dl_GetCurrentImagePtr() == source) return 1;
-    if (IsPng(out)) {
-        ShowCurrentItem(ShowOptions{});
-        if (!WriteCurrentPicture(out)) return 1;
-    } else if (!SaveCurrentItem(out, false)) {
-        return 1;
-    }
-    std::printf("%s\n", out.c_str());
-    return 0;
+    return WriteImageResult(source, out);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "items.h"
+#include "picture.h"
 #include "session.h"
 #include "store/image_header.h"
 
@@ -67,4 +68,37 @@ void ShowCurrentItem(const ShowOptions& options)
     }
     dl_ClearFrameStore();
     dl_DisplayData();
+}
+
+namespace {
+
+bool IsPng(const std::string& path) { return path.size() > 4 && path.compare(path.size() - 4, 4, ".png") == 0; }
+
+} // namespace
+
+bool IsImageResultPath(const std::string& path) { return IsPng(path) || SaveTypeFor(path, false) == TV_SAVE_TIFF_16; }
+
+const ImageHeaderType* OpenImageForCommand(const char* command, const std::string& path)
+{
+    const ImageHeaderType* source = OpenItem(path);
+    if (!source) return nullptr;
+    if (!(dl_IsCurrentDataTypeImage() & TV_DATA_IMAGE_CLASS)) {
+        std::fprintf(stderr, "tavrin %s: '%s' holds no image\n", command, path.c_str());
+        return nullptr;
+    }
+    ShowCurrentItem(ShowOptions{});
+    return source;
+}
+
+int WriteImageResult(const ImageHeaderType* source, const std::string& out)
+{
+    if (Session().errorReported || dl_GetCurrentImagePtr() == source) return 1;
+    if (IsPng(out)) {
+        ShowCurrentItem(ShowOptions{});
+        if (!WriteCurrentPicture(out)) return 1;
+    } else if (!SaveCurrentItem(out, false)) {
+        return 1;
+    }
+    std::printf("%s\n", out.c_str());
+    return 0;
 }

@@ -32,3 +32,13 @@ struct ShowOptions {
 
 // Clears the current frame store and shows the current item in it with the options.
 void ShowCurrentItem(const ShowOptions& options);
+
+// The output of an image command: ".png" for the picture of the result, or a 16-bit ".tif".
+bool IsImageResultPath(const std::string& path);
+// Opens the file for an image command and shows its image; answers it, or null after a message
+// on standard error when the file does not open or holds no image.
+const ImageHeaderType* OpenImageForCommand(const char* command, const std::string& path);
+// After an image command on `source`: 1 when it reported an error or made no new item; else the
+// new current item goes to `out` (its picture for ".png", the file for ".tif"), its name is
+// printed, and the answer is 0.
+int WriteImageResult(const ImageHeaderType* source, const std::string& out);
