@@ -155,7 +155,7 @@ TEST_F(HostCliTest, InfoOfAMissingFileReportsTheErrorAndExitsOne)
 {
     HostRun run = Run("info missing.tif");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err, "tavrin: Unable to open file\ntavrin: missing.tif: not opened\n");
+    EXPECT_EQ(run.err, "tavrin: missing.tif: Unable to open file\ntavrin: missing.tif: not opened\n");
     EXPECT_TRUE(run.out.empty()) << run.out;
 }
 
@@ -406,7 +406,7 @@ TEST_F(HostCliTest, AnErrorTextPaddedToItsColumnIsPrintedWithoutTheBlanks)
     // A spectrum has no TIFF form: the save gives its program error, padded to 70 columns.
     HostRun run = Run("convert iv.spc iv.tif");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err, "tavrin: Program error - SaveSTMData Spec 1\n");
+    EXPECT_EQ(run.err, "tavrin: iv.tif: Program error - SaveSTMData Spec 1\n");
 }
 
 TEST_F(HostCliTest, DemoFinishesAndItsFilesLoadAgain)
@@ -550,4 +550,47 @@ TEST_F(HostCliTest, AScriptTurnsTheLatticeByThreePicksWithTheBandShownBeforeTheL
         EXPECT_EQ(pixel(before, x, 256), band) << x;
         EXPECT_NE(pixel(after, x, 256), band) << x;
     }
+}
+
+// An open during which the library reports something but which brings its item is an open.
+
+TEST_F(HostCliTest, AnUnknownRevisionIsAWarningAndTheCommandsGoOn)
+{
+    ImageHeaderType* item = MakeSampleLattice(nullptr);
+    ASSERT_NE(item, nullptr);
+    item->RevNo = 650;
+    ASSERT_EQ(saveTiffImage(item, Path("rev650.tif").c_str(), 0), 0);
+    const std::string warning = "tavrin: rev650.tif: Program error - UpdateOldImageHeader 650\n";
+    HostRun run = Run("info rev650.tif --json");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.err, warning)) << run.err;
+    EXPECT_TRUE(Contains(run.out, "\"RevNo\": 650")) << run.out;
+    run = Run("pixels rev650.tif -o codes.bin");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(ReadFileBytes(Path("codes.bin")).size(), 256u * 256u * 2u);
+    run = Run("convert rev650.tif copy.tif");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(fs::exists(Path("copy.tif")));
+    run = Run("--strict info rev650.tif");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Contains(run.err, warning)) << run.err;
+    EXPECT_FALSE(run.out.empty());
+}
+
+TEST_F(HostCliTest, ADataSourceOutsideTheTablesIsAWarningAndTheCommandsGoOn)
+{
+    ImageHeaderType* item = MakeSampleLattice(nullptr);
+    ASSERT_NE(item, nullptr);
+    item->DataSource = 0;
+    ASSERT_EQ(saveTiffImage(item, Path("source0.tif").c_str(), 0), 0);
+    HostRun run = Run("info source0.tif --json");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.err, "tavrin: source0.tif: Program error - GetImageUnitStr")) << run.err;
+    run = Run("pixels source0.tif -o codes.bin");
+    EXPECT_EQ(run.status, 0) << run.err;
+    run = Run("convert source0.tif copy.tif");
+    EXPECT_EQ(run.status, 0) << run.err;
+    run = Run("render source0.tif -o s.png");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(Run("--strict info source0.tif").status, 1);
 }

@@ -17,13 +17,12 @@ size_t DataBlockBytes(const ImageHeaderType* item)
 ImageHeaderType* OpenItem(const std::string& path)
 {
     ImageHeaderType* before = dl_GetCurrentImagePtr();
-    const bool failedBefore = Session().errorReported;
-    Session().errorReported = false;
+    // From here on the library's texts are about this file.
+    Session().workFile = path;
     dl_OpenSTMData(0, path.c_str());
     ImageHeaderType* item = dl_GetCurrentImagePtr();
-    const bool failed = Session().errorReported || item == before || !item;
-    Session().errorReported = Session().errorReported || failedBefore;
-    if (!failed) return item;
+    // An open is judged by its item: one that came is opened, whatever was reported on the way.
+    if (item && item != before) return item;
     std::fprintf(stderr, "tavrin: %s: not opened\n", path.c_str());
     return nullptr;
 }
@@ -49,6 +48,8 @@ bool SaveCurrentItem(const std::string& path, bool eightBit)
 {
     wint_SaveFileType type = SaveTypeFor(path, eightBit);
     if (type == 0) return false;
+    // The texts of the save are about the file written.
+    Session().workFile = path;
     return dl_SaveData(type, path.c_str(), 0, 0) == 0;
 }
 
@@ -92,7 +93,7 @@ const ImageHeaderType* OpenImageForCommand(const char* command, const std::strin
 
 int WriteImageResult(const ImageHeaderType* source, const std::string& out)
 {
-    if (Session().errorReported || dl_GetCurrentImagePtr() == source) return 1;
+    if (dl_GetCurrentImagePtr() == source) return 1;
     if (IsPng(out)) {
         ShowCurrentItem(ShowOptions{});
         if (!WriteCurrentPicture(out)) return 1;

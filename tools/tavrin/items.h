@@ -10,8 +10,9 @@
 // then nx f32 X values of a spectrum.
 size_t DataBlockBytes(const ImageHeaderType* item);
 
-// Opens the file with dl_OpenSTMData; answers the new current item, or null when the library
-// reported an error or no item came (the error is on standard error already).
+// Opens the file with dl_OpenSTMData; answers the new current item, or null (with "not opened"
+// on standard error) when no new item came. Texts the library reports meanwhile are warnings
+// about the file; the command goes on.
 ImageHeaderType* OpenItem(const std::string& path);
 
 // The save type that the extension of `path` names (".tif" 16 bits, or 8 with `eightBit`;

@@ -21,7 +21,10 @@ void ObserveLog(const char* text, void*)
         const char* message = text + 8;
         size_t n = std::strlen(message);
         while (n > 0 && (message[n - 1] == '\n' || message[n - 1] == ' ')) --n;
-        std::fprintf(stderr, "tavrin: %.*s\n", static_cast<int>(n), message);
+        if (g_session.workFile.empty())
+            std::fprintf(stderr, "tavrin: %.*s\n", static_cast<int>(n), message);
+        else
+            std::fprintf(stderr, "tavrin: %s: %.*s\n", g_session.workFile.c_str(), static_cast<int>(n), message);
     }
     if (g_session.options.verbose) std::fputs(text, stdout);
 }

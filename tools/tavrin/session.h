@@ -20,6 +20,7 @@ struct HostOptions {
     int defaultAnswer = 0;         // TV_IDYES / TV_IDNO from --yes / --no, 0: each prompt's default
     std::string user;              // --user NAME, default the system login name
     bool trueRgb = false;          // --rgb: frame stores keep a 24-bit layer
+    bool strict = false;           // --strict: any error the library reports fails the run
 };
 
 struct HostFrameStore {
@@ -38,6 +39,9 @@ struct HostSession {
     int16_t currentFrameStore = 0;
     uint16_t palette[3][256] = {};
     bool errorReported = false;    // a command reported an error: exit status 1
+    // The file a command works on: the library's texts about it are warnings named by it, and
+    // the command's own result decides the exit status (unless --strict).
+    std::string workFile;
     bool started = false;
     std::vector<std::string> paramLines;   // the parameter text panel
 };
