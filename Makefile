@@ -8,7 +8,7 @@ BENCH_BUILD := build-bench
 FUZZ_BUILD  := build-fuzz
 FUZZ_SECONDS ?= 60
 
-PKGS_BUILD := cmake ninja-build g++
+PKGS_BUILD := cmake ninja-build g++ libpng-dev
 PKGS_TEST  := $(PKGS_BUILD) libgtest-dev libgmock-dev libtiff-tools python3-pil
 PKGS_BENCH := $(PKGS_BUILD) libbenchmark-dev python3-scipy python3-numpy
 PKGS_FUZZ  := $(PKGS_BUILD) clang libclang-rt-14-dev

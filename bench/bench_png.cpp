@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/deflate.h"
 #include "platform/png_writer.h"
 
 namespace {
@@ -60,19 +59,5 @@ void BM_PngRgbCanvas(benchmark::State& state)
 }
 BENCHMARK(BM_PngRgbCanvas)->Unit(benchmark::kMillisecond);
 
-void BM_DeflateText(benchmark::State& state)
-{
-    std::string text;
-    for (int i = 0; text.size() < 1000000; ++i)
-        text += "Spectrum " + std::to_string(i) + ": bias -1.25 V, 512 points, 20 ms\n";
-    std::vector<uint8_t> out;
-    for (auto _ : state) {
-        out = DeflateCompress(reinterpret_cast<const uint8_t*>(text.data()), text.size());
-        benchmark::DoNotOptimize(out.data());
-    }
-    state.counters["bytes"] = static_cast<double>(out.size());
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(text.size()));
-}
-BENCHMARK(BM_DeflateText)->Unit(benchmark::kMillisecond);
 
 } // namespace

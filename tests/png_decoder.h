@@ -1,5 +1,6 @@
-// Python's zlib and PIL as the independent decoders of what the PNG writer produces: a
-// fixture that gives each test a temporary directory of its own with the decoder script.
+// Readers of what the PNG writer produces: libpng for the picture (the library the writer uses,
+// with its own checks of every chunk), Python's zlib for the raw image data and its filter
+// bytes; a fixture that gives each test a temporary directory of its own.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,8 +17,8 @@ using Bytes = std::vector<uint8_t>;
 Bytes ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, const Bytes& bytes);
 
-// A PNG file as PIL reads it: mode ("RGB", "RGBA", "P"), size, pixel bytes and, for a palette
-// image, the palette.
+// A PNG file as libpng reads it: mode ("RGB", "RGBA", "P"), size, pixel bytes and, for a
+// palette image, the palette.
 struct DecodedPng {
     std::string mode;
     int32_t width = 0;
@@ -35,10 +36,9 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // Runs the decoder over a file and answers what it wrote; fails the test when Python
+    // Runs Python's zlib over a file and answers what it wrote; fails the test when Python
     // reports an error. Kinds: "zlib" and "deflate" inflate a stream; "idat" checks the CRC
-    // of every chunk of a PNG file and inflates its image data (filter bytes included);
-    // "png" checks the CRCs and lets PIL decode the picture (see DecodePng).
+    // of every chunk of a PNG file and inflates its image data (filter bytes included).
     Bytes Decode(const std::string& kind, const std::filesystem::path& file);
 
     // Writes a stream to a file and inflates it.

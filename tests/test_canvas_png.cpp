@@ -1,4 +1,4 @@
-// The picture of a canvas as a PNG file, decoded by PIL pixel for pixel.
+// The picture of a canvas as a PNG file, read back by libpng pixel for pixel.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,10 +1,10 @@
 // PNG pictures of canvases and frame stores: 8-bit RGB, RGBA and palette images, not
-// interlaced, the pixels in one zlib-compressed IDAT chunk.
+// interlaced, written by libpng.
 //
-// Rows are filtered before compression. By default (kPngAdaptiveFilter) each row of an RGB or
-// RGBA image takes whichever of the five filters gives the smallest sum of absolute byte
-// values, and palette rows are not filtered (differences of colour indices carry no meaning);
-// a filter number 0 to 4 forces that filter on every row.
+// Rows are filtered before compression. By default (kPngAdaptiveFilter) libpng picks for each
+// row of an RGB or RGBA image the filter it expects to compress best, and palette rows are not
+// filtered (differences of colour indices carry no meaning); a filter number 0 to 4 forces that
+// filter on every row.
 #pragma once
 
 #include <cstddef>
