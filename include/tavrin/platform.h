@@ -75,6 +75,14 @@ typedef struct TavrinPlatformTable {
     void (*ScrollableMessageBox)(void* context, const char* title, const char* text);
     /* The debugger output stream. */
     void (*DebugOutput)(void* context, const char* text);
+    /* The region overlay of the background tool over the current frame store: on (1) shows
+     * the parallelogram of corner A at centre (centreX, centreY), sides of lengthAB and
+     * lengthAC pixels along angle1 (A to B) and angle2 (A to C), in degrees counter-clockwise
+     * from the X axis with Y growing downwards as in the frame; option is the first option of
+     * the overlay; on 0 removes it. Coordinates are in the 0 to 511 square of the frame. An
+     * empty slot draws nothing. */
+    void (*ShowRegionOverlay)(void* context, int32_t on, int32_t option, int32_t centreX, int32_t centreY,
+                              double lengthAB, double lengthAC, double angle1, double angle2);
 } TavrinPlatformTable;
 
 /* Registers a platform table (copied slot by slot); null restores the headless default.

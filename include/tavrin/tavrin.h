@@ -18,6 +18,7 @@
 #include "tavrin/dl_display.h"
 #include "tavrin/dl_filters.h"
 #include "tavrin/dl_geometry.h"
+#include "tavrin/dl_background.h"
 #include "tavrin/dl_selection.h"
 
 #endif

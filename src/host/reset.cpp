@@ -9,6 +9,7 @@
 #include "display/vfs.h"
 #include "image/filter_kernels.h"
 #include "image/geometry.h"
+#include "image/subt_back.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
 #include "host/globals.h"
@@ -27,6 +28,7 @@
 void ResetProcessState()
 {
     ResetGeometryState();
+    ResetSubtBackState();
     ResetFilterKernels();
     ResetSelectionState();
     ResetScrollBars();

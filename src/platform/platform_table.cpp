@@ -129,3 +129,11 @@ void PlatformDebugOutput(const char* text)
     if (g_table.DebugOutput) g_table.DebugOutput(g_table.Context, Safe(text));
     else std::fputs(Safe(text), stderr);
 }
+
+void PlatformShowRegionOverlay(bool on, int32_t option, int32_t centreX, int32_t centreY, double lengthAB,
+                               double lengthAC, double angle1, double angle2)
+{
+    if (g_table.ShowRegionOverlay)
+        g_table.ShowRegionOverlay(g_table.Context, on ? 1 : 0, option, centreX, centreY, lengthAB, lengthAC, angle1,
+                                  angle2);
+}

@@ -22,6 +22,9 @@ void PlatformProgressSetText(int32_t controlId, const char* text);
 bool PlatformPumpMessages();   // true when Cancel was pressed meanwhile
 void PlatformScrollableMessageBox(const char* title, const char* text);
 void PlatformDebugOutput(const char* text);
+// The region overlay slot (show_region_overlay); nothing when the host left it empty.
+void PlatformShowRegionOverlay(bool on, int32_t option, int32_t centreX, int32_t centreY, double lengthAB,
+                               double lengthAC, double angle1, double angle2);
 
 // The answer of a message box that nobody sees: its default button.
 int32_t DefaultMessageBoxAnswer(uint32_t style);

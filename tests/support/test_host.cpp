@@ -258,6 +258,11 @@ int32_t PumpMessagesCb(void*)
     return cancel ? 1 : 0;
 }
 void ScrollableMessageBoxCb(void*, const char* title, const char* text) { R("ScrollableMessageBox", Join(Str(title), Str(text))); }
+void ShowRegionOverlayCb(void*, int32_t on, int32_t option, int32_t cx, int32_t cy, double ab, double ac, double a1,
+                         double a2)
+{
+    R("ShowRegionOverlay", Join(on, option, cx, cy, ab, ac, a1, a2));
+}
 void DebugOutputCb(void*, const char* text)
 {
     if (g_current) g_current->debugOutput.push_back(text ? text : "");
@@ -342,6 +347,7 @@ TavrinPlatformTable TestHost::Platform()
     p.PumpMessages = PumpMessagesCb;
     p.ScrollableMessageBox = ScrollableMessageBoxCb;
     p.DebugOutput = DebugOutputCb;
+    p.ShowRegionOverlay = ShowRegionOverlayCb;
     return p;
 }
 

@@ -62,7 +62,18 @@ void SetPalette(const uint16_t* r, const uint16_t* g, const uint16_t* b)
 }
 
 void OpenPlotWindow(uint16_t, uint16_t, const char*) {}
-void OpenGraphWindow(const char*) {}
+// The graph window (the background tool's second store): frame store 2 of this host, opened
+// by the library's request and closed by it; the store that was current stays current.
+constexpr int16_t kGraphFrameStore = 2;
+void OpenGraphWindow(const char*)
+{
+    const int16_t current = Session().currentFrameStore;
+    if (!FindHostFrameStore(kGraphFrameStore) && OpenHostFrameStore(kGraphFrameStore) && current > 0) {
+        dl_VFS_set_current_vfs(current);
+        Session().currentFrameStore = current;
+    }
+}
+void CloseGraphWindow() { CloseHostFrameStore(kGraphFrameStore); }
 void SetMarkerMode(uint8_t) {}
 void MarkVFSActive(int16_t, uint8_t) {}
 void UpdateVFS(uint16_t, uint16_t, uint16_t, uint16_t) {}
@@ -173,7 +184,7 @@ ApCallbackFunctionTableType HostCallbackTable()
     t.ap_OpenPlotWindow = OpenPlotWindow;
     t.ap_Reserved9 = Nothing1;
     t.ap_OpenGraphWindow = OpenGraphWindow;
-    t.ap_CloseGraphWindow = Nothing;
+    t.ap_CloseGraphWindow = CloseGraphWindow;
     t.ap_SetMarkerMode = SetMarkerMode;
     t.ap_MarkVFSActive = MarkVFSActive;
     t.ap_UpdateVFS = UpdateVFS;

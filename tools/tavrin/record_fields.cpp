@@ -55,3 +55,26 @@ const RecordFields* FieldsOf<wint_SelectItemCol>()
     static const RecordFields table = {"SelectItemCol", fields, sizeof fields / sizeof fields[0]};
     return &table;
 }
+
+// background: the points as PlaneX1, PlaneY1 ... and RegionAX, RegionAY ... (0 to 511 square).
+template <>
+const RecordFields* FieldsOf<wint_SubtBckgrndParamType>()
+{
+    using B = wint_SubtBckgrndParamType;
+#define POINT(name, array, i) RecordField{name, offsetof(B, array) + (i) * sizeof(int16_t), sizeof(int16_t), RecordField::I16}
+    static const RecordField fields[] = {
+        TAVRIN_RECORD_FIELD(B, Method), TAVRIN_RECORD_FIELD(B, DegreeX), TAVRIN_RECORD_FIELD(B, DegreeY),
+        TAVRIN_RECORD_FIELD(B, PolyOrder),
+        POINT("PlaneX1", PlanePoints, 0), POINT("PlaneY1", PlanePoints, 1), POINT("PlaneX2", PlanePoints, 2),
+        POINT("PlaneY2", PlanePoints, 3), POINT("PlaneX3", PlanePoints, 4), POINT("PlaneY3", PlanePoints, 5),
+        TAVRIN_RECORD_FIELD(B, UseRegion), TAVRIN_RECORD_FIELD(B, RegionOption),
+        POINT("RegionAX", RegionPoints, 0), POINT("RegionAY", RegionPoints, 1), POINT("RegionBX", RegionPoints, 2),
+        POINT("RegionBY", RegionPoints, 3), POINT("RegionCX", RegionPoints, 4), POINT("RegionCY", RegionPoints, 5),
+        TAVRIN_RECORD_FIELD(B, UseThreshold), TAVRIN_RECORD_FIELD(B, LowThreshold),
+        TAVRIN_RECORD_FIELD(B, HighThreshold), TAVRIN_RECORD_FIELD(B, ManualSlopeX),
+        TAVRIN_RECORD_FIELD(B, ManualSlopeY), TAVRIN_RECORD_FIELD(B, ShowBackground),
+    };
+#undef POINT
+    static const RecordFields table = {"SubtBckgrndParam", fields, sizeof fields / sizeof fields[0]};
+    return &table;
+}

@@ -33,3 +33,4 @@ template <> const RecordFields* FieldsOf<wint_SpecExportParamType>();
 template <> const RecordFields* FieldsOf<wint_DisplayParamType>();
 template <> const RecordFields* FieldsOf<C3DParam>();
 template <> const RecordFields* FieldsOf<wint_SelectItemCol>();
+template <> const RecordFields* FieldsOf<wint_SubtBckgrndParamType>();

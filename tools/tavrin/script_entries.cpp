@@ -121,6 +121,11 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_pb_SelectItemCol_Remove),
         TAVRIN_ENTRY(dl_pb_SelectItemCol_Pickup),
         TAVRIN_ENTRY(dl_GetPrintEditItem),
+        // background
+        TAVRIN_ENTRY(dl_GetSubtBckgrndParam),
+        TAVRIN_ENTRY(dl_SetSubtBckgrndParam),
+        TAVRIN_ENTRY(dl_SubtBackUpdateImageDisplay),
+        TAVRIN_ENTRY(dl_pb_SubtBckgrnd),
         // filters; the kernel tables take and give their values as a text "v1,v2,..."
         TAVRIN_ENTRY(dl_Convolve3x3),
         TAVRIN_ENTRY(dl_Convolve5x5),
