@@ -52,9 +52,11 @@ int SolveLinearSystem(double* a, double* x, const double* b, int n, int stride, 
         }
     }
     for (int i = 0; i < n; ++i) x[i] = b[i];
-    // Forward substitution in pivot order, then back substitution.
-    for (int k = 0; k < n - 1; ++k) {
+    // The rows were swapped whole, multipliers included (P a = L U): the right side takes all
+    // the swaps in pivot order, then forward and back substitution.
+    for (int k = 0; k < n - 1; ++k)
         if (pivot[k] != k) std::swap(x[k], x[pivot[k]]);
+    for (int k = 0; k < n - 1; ++k) {
         for (int i = k + 1; i < n; ++i)
             if (at(i, k) != 0.0) x[i] -= at(i, k) * x[k];
     }
