@@ -17,6 +17,7 @@ int CommandRun(const Args& args);
 int CommandDemo(const Args& args);
 int CommandGeom(const Args& args);
 int CommandFilter(const Args& args);
+int CommandLevel(const Args& args);
 
 // The script's forms of the kernel table entry points: the kernel as a text "v1,v2,...".
 void ScriptGet3x3KernelParam(int16_t index, char* text);

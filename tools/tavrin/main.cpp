@@ -23,6 +23,7 @@ const std::map<std::string, Command>& CommandTable()
         {"demo", {CommandDemo}},
         {"geom", {CommandGeom}},
         {"filter", {CommandFilter}},
+        {"level", {CommandLevel}},
     };
     return table;
 }
@@ -69,6 +70,14 @@ void PrintUsage(FILE* out)
         "                          the two other points (image pixels)\n"
         "  geom IN OUT --translate X0,Y0,X1,Y1\n"
         "                          shift by the vector from the first point to the second\n"
+        "  level IN OUT --method NAME [--degree X,Y] [--order N] [--threshold LO,HI]\n"
+        "        [--region AX,AY,BX,BY,CX,CY] [--points X1,Y1,X2,Y2,X3,Y3] [--slope SX,SY]\n"
+        "        [--preview PNG] [--background PNG]\n"
+        "                          background subtraction, the result saved as OUT (.tif, or\n"
+        "                          .png for its picture); NAME: offsets polyx polyy lines plane3\n"
+        "                          poly manual; points in a 0 to 511 square over the image;\n"
+        "                          --preview: the tool's second store, --background: the same\n"
+        "                          with the background beside the result\n"
         "  filter IN OUT --kernel NAME [--user K1,...]\n"
         "                          one filter on the image, the result saved as OUT (.tif, or\n"
         "                          .png for its picture); NAME: low3 med3 high3 hsmooth3\n"
