@@ -54,6 +54,7 @@ bench:
 	cmake --build $(BENCH_BUILD) -j $(JOBS)
 	@for b in $(BENCH_BUILD)/bin/bench_*; do echo "== $$b"; $$b; done
 	@echo "== scipy.ndimage on the input of bench_filters"; /usr/bin/python3 bench/filters_scipy.py
+	@echo "== numpy lstsq on the input of bench_fit"; /usr/bin/python3 bench/fit_numpy.py
 
 fuzz:
 	$(call need,$(PKGS_FUZZ))
