@@ -496,3 +496,15 @@ TEST_F(SubtBackTest, ThreePointPlaneRemovesTheSampleTilt)
         EXPECT_LT(std::fabs(sy), 0.02 * std::fabs(tiltY) + slack) << sigma;
     }
 }
+
+TEST_F(SubtBackTest, ASpectrumIsNoSourceOfTheTool)
+{
+    AddSpectrum(64);
+    const int items = ListLength();
+    wint_SubtBckgrndParamType p{};
+    dl_GetSubtBckgrndParam(&p, TV_SUBT_APPLY);
+    EXPECT_FALSE(SubtBack().IsOpen());
+    EXPECT_TRUE(LogHas("CSubtBack Initialise"));
+    EXPECT_EQ(ListLength(), items);
+    EXPECT_EQ(host.Count("ap_OpenGraphWindow"), 0);
+}

@@ -120,8 +120,8 @@ void CSubtBack::FreeBuffers()
 int CSubtBack::Initialise(ImageHeaderType* source)
 {
     if (Source || Scratch || PreviewItem || ResultItem || BackgroundItem || SourceStore != -1 || ResultStore != -1 ||
-        SavedDisplaySize != 65535 || RegionOverlayOn != 0 || !source || !source->PixData || source->nx <= 0 ||
-        source->ny <= 0) {
+        SavedDisplaySize != 65535 || RegionOverlayOn != 0 || !source || !CheckHeaderIsImageType(source) ||
+        !source->PixData || source->nx <= 0 || source->ny <= 0) {
         ProgramError("CSubtBack Initialise %d %d %d %d. Ptrs %p %p %p %p %p %p", SourceStore, ResultStore,
                      static_cast<int16_t>(SavedDisplaySize), RegionOverlayOn, static_cast<void*>(Source), Scratch,
                      static_cast<void*>(PreviewItem), static_cast<void*>(ResultItem),
