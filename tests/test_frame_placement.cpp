@@ -277,9 +277,9 @@ TEST_F(FramePlacementTest, ShowingTheCurrentItemGoesThroughTheFrameStore)
     DisplayCurrentItem();
     EXPECT_EQ(GetFSContentsCoords(0, 0), image);
     EXPECT_EQ(host.Count("ap_UpdateVFS"), 1);
-    AddSpectrum(16);   // the plot window is not here: refused without a word
+    AddSpectrum(16);   // a spectrum goes to the plot window
     DisplayCurrentItem();
-    EXPECT_EQ(host.Count("ap_UpdateVFS"), 1);
+    EXPECT_GT(host.Count("ap_UpdateVFS"), 1);
     EXPECT_FALSE(LogHas("ERROR"));
     EXPECT_EQ(DisplayRequests().shown, 2);
 }

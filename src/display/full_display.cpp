@@ -7,12 +7,14 @@
 #include "display/lut.h"
 #include "display/placement.h"
 #include "display/plot_scale.h"
+#include "display/plot_spectrum.h"
 #include "display/render_histogram.h"
 #include "display/size_text.h"
 #include "display/vfs.h"
 #include "host/errors.h"
 #include "host/log.h"
 #include "image/convert_size.h"
+#include "files/spectrum_files.h"
 #include "store/duplicate.h"
 #include "platform/clock.h"
 #include "store/data_list.h"
@@ -298,8 +300,9 @@ void DisplayData()
             FullDisplay(1);
         else
             DisplayImage(item, 1, 1);
+    } else if (IsSpectrumClass(item->ImType1)) {
+        DisplaySpectrum(item);
     }
-    // A spectrum is shown by the plot window.
     if (DisplayTimingOn) Log("Elapsed time = %d\n", static_cast<int>(TickMilliseconds() - started));
 }
 

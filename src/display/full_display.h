@@ -31,7 +31,7 @@ extern int16_t ThresholdHigh;
 // Shows the current item in the way that fits it, when a frame store is current, its window
 // shows the whole frame width, and an item is current: an image as the full display when
 // FullDisplayOn is 1 and it has neither FFT nor mapping data (and the full display is not
-// suppressed), else at the placement cursor; a spectrum is left to the plot window.
+// suppressed), else at the placement cursor; a spectrum, profile or histogram as a plot.
 void DisplayData();
 // DisplayData, then "Display time = %d\n" with the milliseconds it took to the log.
 void DisplayDataTimed();

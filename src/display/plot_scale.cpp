@@ -8,12 +8,6 @@ namespace {
 
 constexpr double kSmallestMagnitude = 1e-16;
 
-int Exponent(double v)
-{
-    const double a = std::fabs(v);
-    return static_cast<int>(std::floor(std::log10(a < kSmallestMagnitude || std::isnan(a) ? kSmallestMagnitude : a)));
-}
-
 // A double as a 32-bit integer, limited to the range (NaN as 0).
 int32_t ToInt32(double v)
 {
@@ -25,11 +19,18 @@ int32_t ToInt32(double v)
 
 } // namespace
 
+int PlotExponent(double v)
+{
+    const double a = std::fabs(v);
+    if (std::isinf(a)) return 308;
+    return static_cast<int>(std::floor(std::log10(a < kSmallestMagnitude || std::isnan(a) ? kSmallestMagnitude : a)));
+}
+
 void AutoScale(float* lo, float* hi, float* tick)
 {
     if (!lo || !hi || !tick) return;
     const float oldLo = *lo, oldHi = *hi;
-    float p = std::pow(10.0f, static_cast<float>(Exponent(static_cast<double>(oldHi - oldLo)) - 1));
+    float p = std::pow(10.0f, static_cast<float>(PlotExponent(static_cast<double>(oldHi - oldLo)) - 1));
     if (p == 0.0f || !std::isfinite(p)) p = 1.0f;
     const double a = static_cast<double>(oldHi) / p, b = static_cast<double>(oldLo) / p;
 

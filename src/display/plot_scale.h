@@ -13,3 +13,7 @@
 // Limits that would narrow the range are replaced by the old ones widened by 1%; a tick of 0
 // becomes 1, and a tick that gives more than 1000 ticks becomes a hundredth of the range.
 void AutoScale(float* lo, float* hi, float* tick);
+
+// e(v) above: floor(log10(|v|)), with magnitudes below 1e-16 (and NaN) taken as 1e-16. The
+// decade of an axis limit or of a label step.
+int PlotExponent(double v);
