@@ -20,5 +20,7 @@
 #include "tavrin/dl_geometry.h"
 #include "tavrin/dl_background.h"
 #include "tavrin/dl_selection.h"
+#include "tavrin/dl_plot.h"
+#include "tavrin/dl_spectro.h"
 
 #endif

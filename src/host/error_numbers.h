@@ -16,6 +16,7 @@ enum ErrorNumber : uint16_t {
     ERR_WRITING = 32779,
     ERR_READING = 32780,
     ERR_INVALID_ENTRY = 32782,             // "Invalid data entry"
+    ERR_ZERO_VALUE = 32783,                // "Zero data value not allowed"
     ERR_MESH_TOO_LARGE = 32788,
     ERR_LIGHT_INTENSITY = 32789,
     ERR_LOAD_WINDOW = 32790,
@@ -34,6 +35,7 @@ enum ErrorNumber : uint16_t {
     ERR_NO_MEMORY_THRESHOLD = 32831,       // "Not enough memory for Threshold Data"
     ERR_NO_SPECTRA = 33280,                // "No spectra in memory"
     ERR_SPECTRA_LIMIT = 33284,             // "Exceeded maximum number of allowed spectra"
+    ERR_RAMP_ONE_DIRECTION = 33289,        // "Spectroscopy ramp is one direction only"
     ERR_NO_IMAGES = 33536,                 // "No images in memory"
     ERR_IMAGE_TOO_LARGE = 33537,           // "Image too large for this function"
     ERR_NOT_FFT = 33538,                   // "Image is not of type FFT"

@@ -22,6 +22,7 @@
 #include "platform/locale.h"
 #include "platform/platform_table.h"
 #include "settings/cantilever.h"
+#include "spectro/spectro.h"
 #include "store/data_list.h"
 #include "store/memory.h"
 
@@ -53,4 +54,5 @@ void ResetProcessState()
     ResetCantileverState();
     ResetColourState();
     ResetImageDisplayState();
+    ResetSpectroState();
 }

@@ -32,6 +32,19 @@ TABLE(wint_DisplayParamType, "DisplayParam", F(ImageDisplaySize), F(wint_TextOve
       F(ContourLevels), F(DisplayFactor), F(ScaleBarMode), F(CaptionColour), F(BarColour), F(ThirdColour),
       F(FullDisplayOn))
 
+// plot and spectra; of each font the height (the stored height / 6)
+#define FONT_HEIGHT(name, font) \
+    RecordField { name, offsetof(Record, font) + offsetof(TvLogFont, lfHeight), 4, RecordField::I32 }
+TABLE(wint_PlotParamType, "PlotParam", F(PlotWidth), F(PlotHeight), F(LogAxisX), F(LogAxisY), F(AutoAxes), F(GridX),
+      F(GridY), F(BoxAxes), F(MinX), F(MinY), F(MaxX), F(MaxY), F(TickStepX), F(TickStepY),
+      FONT_HEIGHT("TitleFontHeight", TitleFont), FONT_HEIGHT("AxisTitleFontHeight", AxisTitleFont),
+      FONT_HEIGHT("NumberFontHeight", NumberFont), F(TitleColour), F(AxisTitleColour), F(NumberColour))
+#undef FONT_HEIGHT
+
+TABLE(wint_SmoothSpecParamType, "SmoothSpecParam", F(Mode), F(Points))
+
+TABLE(wint_DiffSpecParamType, "DiffSpecParam", F(Mode), F(Points))
+
 TABLE(C3DParam, "3DParam", F(DataId), F(nx), F(ny), F(SizeX), F(SizeY), F(Height), F(SizeUnit), F(HeightUnit))
 
 // The item list: its count, the row a button acts on, and the first rows (a script shows and

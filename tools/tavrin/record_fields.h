@@ -34,3 +34,7 @@ template <> const RecordFields* FieldsOf<wint_DisplayParamType>();
 template <> const RecordFields* FieldsOf<C3DParam>();
 template <> const RecordFields* FieldsOf<wint_SelectItemCol>();
 template <> const RecordFields* FieldsOf<wint_SubtBckgrndParamType>();
+// plot and spectra
+template <> const RecordFields* FieldsOf<wint_PlotParamType>();
+template <> const RecordFields* FieldsOf<wint_SmoothSpecParamType>();
+template <> const RecordFields* FieldsOf<wint_DiffSpecParamType>();

@@ -138,6 +138,24 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_DifferentiateImage),
         TAVRIN_ENTRY(dl_ImageMedianFilter5),
         TAVRIN_ENTRY(dl_ImageMedianFilter9),
+        // plot and spectra
+        TAVRIN_ENTRY(dl_GetPlotParam),
+        TAVRIN_ENTRY(dl_SetPlotParam),
+        TAVRIN_ENTRY(dl_CheckLogAxesX),
+        TAVRIN_ENTRY(dl_CheckLogAxesY),
+        TAVRIN_ENTRY(dl_CheckLogAxesXY),
+        TAVRIN_ENTRY(dl_IsLapSpec),
+        TAVRIN_ENTRY(dl_SmoothSpec),
+        TAVRIN_ENTRY(dl_GetSmoothSpecParam),
+        TAVRIN_ENTRY(dl_SetSmoothSpecParam),
+        TAVRIN_ENTRY(dl_DiffSpec),
+        TAVRIN_ENTRY(dl_GetDiffSpecParam),
+        TAVRIN_ENTRY(dl_SetDiffSpecParam),
+        TAVRIN_ENTRY(dl_SpecMathX),
+        TAVRIN_ENTRY(dl_SpecMathY),
+        TAVRIN_ENTRY(dl_DoubleSpecMath),
+        TAVRIN_ENTRY(dl_RemoveDCBias),
+        TAVRIN_ENTRY(dl_SeparateRampDirections),
     };
     return entries;
 }

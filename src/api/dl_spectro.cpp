@@ -1,0 +1,70 @@
+// Entry points: commands on spectra.
+#include "tavrin/dl_spectro.h"
+#include "host/trace.h"
+#include "spectro/spectro.h"
+
+TAVRIN_API void dl_SmoothSpec(void)
+{
+    TraceEntry("dl_SmoothSpec");
+    SmoothSpecCommand();
+}
+
+TAVRIN_API void dl_GetSmoothSpecParam(wint_SmoothSpecParamType* param)
+{
+    TraceEntry("dl_GetSmoothSpecParam");
+    GetSmoothSpecParam(param);
+}
+
+TAVRIN_API void dl_SetSmoothSpecParam(wint_SmoothSpecParamType* param)
+{
+    TraceEntry("dl_SetSmoothSpecParam");
+    SetSmoothSpecParam(param);
+}
+
+TAVRIN_API void dl_DiffSpec(void)
+{
+    TraceEntry("dl_DiffSpec");
+    DiffSpecCommand();
+}
+
+TAVRIN_API void dl_GetDiffSpecParam(wint_DiffSpecParamType* param)
+{
+    TraceEntry("dl_GetDiffSpecParam");
+    GetDiffSpecParam(param);
+}
+
+TAVRIN_API void dl_SetDiffSpecParam(wint_DiffSpecParamType* param)
+{
+    TraceEntry("dl_SetDiffSpecParam");
+    SetDiffSpecParam(param);
+}
+
+TAVRIN_API void dl_SpecMathX(uint16_t op)
+{
+    TraceEntry("dl_SpecMathX: %d", op);
+    SpecMath(0, op);
+}
+
+TAVRIN_API void dl_SpecMathY(uint16_t op)
+{
+    TraceEntry("dl_SpecMathY: %d", op);
+    SpecMath(1, op);
+}
+
+TAVRIN_API void dl_DoubleSpecMath(uint16_t op)
+{
+    TraceEntry("dl_DoubleSpecMath: %d", op);
+    DoubleSpecMath(op);
+}
+
+TAVRIN_API void dl_RemoveDCBias(void)
+{
+    TraceEntry("dl_RemoveDCBias");
+    RemoveDCBias();
+}
+
+TAVRIN_API void dl_SeparateRampDirections(void)
+{
+    TraceEntry("dl_SeparateRampDirections");
+    SeparateRampDirections();
+}
