@@ -94,8 +94,10 @@ double PixelsPerUnitY(const PlotAreaType& a)
 void FormatAxisNumber(float value, float lo, float hi, float step, int isLog, char* out, size_t size)
 {
     if (!out || size == 0) return;
-    const int d = isLog ? PlotExponent(value) : PlotExponent(std::max(std::fabs(lo), std::fabs(hi)));
-    const int e = isLog ? PlotExponent(value) : PlotExponent(step) - 1;
+    // Decades of f32 values: 1e12f is 999999995904, and it is the decade of 1e12 all the same.
+    const auto decade = [](float v) { return PlotExponent(static_cast<double>(v) * (1.0 + 1e-6)); };
+    const int d = isLog ? decade(value) : decade(std::max(std::fabs(lo), std::fabs(hi)));
+    const int e = isLog ? decade(value) : decade(step) - 1;
     // Digits after the point for an exponent of the step in the unit of the row.
     const auto decimals = [](int exponent) { return exponent < 0 ? std::min(-exponent, kDecimalsLimit) : 0; };
     const int row = d + 4;
