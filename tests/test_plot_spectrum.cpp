@@ -71,6 +71,11 @@ TEST_F(PlotSpectrumTest, ASpectrumIsPlottedAtTheCursorWithItsCurveAndTitles)
     EXPECT_GE(CountLines(IndexColour(kPlotCurveColour)), 200);
     EXPECT_TRUE(HasText("Bias [V]"));
     EXPECT_TRUE(HasText("Current [nA]"));
+    // -1 to 1 V: limits -1 to 1.2 with ticks of 0.05, a label every 20 ticks.
+    EXPECT_TRUE(HasText("-1.0"));
+    EXPECT_TRUE(HasText("1.0"));
+    EXPECT_FLOAT_EQ(PlotArea(1).WorldX0, -1.0f);
+    EXPECT_FLOAT_EQ(PlotArea(1).WorldX1, 1.2f);
     EXPECT_GT(host.Count("ap_UpdateVFS"), 0);
     // The settings stay as they were.
     EXPECT_EQ(Param().BoxAxes, 0);

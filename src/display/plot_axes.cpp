@@ -179,7 +179,8 @@ void DrawLabelsX(int multiple, int side)
         return;
     }
     a.LabelStepX = a.TickX * static_cast<float>(multiple);
-    const bool skipOrigin = a.OriginY != (side ? a.WorldY1 : a.WorldY0);
+    // Compared in pixels: the world of a log axis is nudged off its origin of 1.
+    const bool skipOrigin = WorldToPixelY(a.OriginY) != WorldToPixelY(side ? a.WorldY1 : a.WorldY0);
     ForEachStep(a.OriginX, a.LabelStepX, a.WorldX0, a.WorldX1, !skipOrigin, [&](double x) { label(x, x, false); });
 }
 
@@ -202,7 +203,7 @@ void DrawLabelsY(int multiple, int side)
         return;
     }
     a.LabelStepY = a.TickY * static_cast<float>(multiple);
-    const bool skipOrigin = a.OriginX != (side ? a.WorldX1 : a.WorldX0);
+    const bool skipOrigin = WorldToPixelX(a.OriginX) != WorldToPixelX(side ? a.WorldX1 : a.WorldX0);
     ForEachStep(a.OriginY, a.LabelStepY, a.WorldY0, a.WorldY1, !skipOrigin, [&](double y) { label(y, y, false); });
 }
 

@@ -18,6 +18,8 @@ int CommandDemo(const Args& args);
 int CommandGeom(const Args& args);
 int CommandFilter(const Args& args);
 int CommandLevel(const Args& args);
+int CommandPlot(const Args& args);
+int CommandSpec(const Args& args);
 
 // The script's forms of the kernel table entry points: the kernel as a text "v1,v2,...".
 void ScriptGet3x3KernelParam(int16_t index, char* text);
@@ -25,6 +27,11 @@ void ScriptGet5x5KernelParam(int16_t index, char* text);
 void ScriptGetEE3x3KernelParam(int16_t index, char* text);
 void ScriptSet3x3KernelParam(int16_t index, const char* text);
 void ScriptSet5x5KernelParam(int16_t index, const char* text);
+
+// Opens the file for a spectrum command; answers its item, or null after a message on standard
+// error when the file does not open or holds no spectrum.
+struct ImageHeaderType;
+const ImageHeaderType* OpenSpectrumForCommand(const char* command, const std::string& path);
 
 // Prints the usage text to the stream.
 void PrintUsage(FILE* out);

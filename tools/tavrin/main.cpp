@@ -24,6 +24,8 @@ const std::map<std::string, Command>& CommandTable()
         {"geom", {CommandGeom}},
         {"filter", {CommandFilter}},
         {"level", {CommandLevel}},
+        {"plot", {CommandPlot}},
+        {"spec", {CommandSpec}},
     };
     return table;
 }
@@ -86,6 +88,17 @@ void PrintUsage(FILE* out)
         "                          median9; --user sets a user kernel first (9 or 25 values)\n"
         "  filter IN OUT --diff ANGLE\n"
         "                          the derivative at ANGLE degrees to the x-axis\n"
+        "  plot IN -o OUT.png [--log-x] [--log-y] [--grid] [--box] [--size WxH]\n"
+        "                          the plot of a spectrum, profile or histogram as the window\n"
+        "                          shows it (log axes need data above 0)\n"
+        "  spec IN OUT --smooth N | --median N | --diff MODE[,N] | --math-x OP[,C]\n"
+        "        | --math-y OP[,C] | --dc | --split | --with B --op N\n"
+        "                          one command on the spectrum, the result saved as OUT (.spc,\n"
+        "                          .dat, or .png for its plot); --diff MODE: 1 first, 2 second,\n"
+        "                          3 and 4 normalised, N the window (5 to 25); OP 1 add, 2\n"
+        "                          multiply, 3 divide by C, 4 ln, 5 negate, 6 abs, 7 1/v, 8\n"
+        "                          sort; --with: 1 add, 2 subtract, 3 |a-b|, 4 product, 5\n"
+        "                          divide, 6 average\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"
