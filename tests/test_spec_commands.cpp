@@ -4,6 +4,8 @@
 #include "test_spec_support.h"
 
 #include "host/wait.h"
+#include "settings/cantilever.h"
+#include "store/units.h"
 
 #include <cmath>
 
@@ -166,6 +168,10 @@ TEST_F(SpecCommandTest, DerivativeOfALineIsItsSlopeAndTheXRangeShrinksByTheMargi
     EXPECT_NEAR(Xs(CurrentItem).back(), 30.0f, 1e-4f);
     EXPECT_EQ(LastCode(CurrentItem), 55);
     EXPECT_TRUE(LogHas("1st derivative of 'line'.\n"));
+    const auto waits = host.Calls("ap_ShowWait");
+    ASSERT_FALSE(waits.empty());
+    EXPECT_NE(waits.back().args.find("Please wait for derivative"), std::string::npos);
+    EXPECT_FALSE(WaitShown());
 }
 
 TEST_F(SpecCommandTest, TheSignFollowsTheLocalDirectionOfX)
@@ -441,4 +447,27 @@ TEST_F(SpecCommandTest, AFailedAllocationOfTheSecondPartFreesBoth)
         const int now = CountItems();
         EXPECT_TRUE(now == items || now == items + 2) << skip;
     }
+}
+
+TEST_F(SpecCommandTest, ArithmeticOnYWorksOnTheCalibratedValues)
+{
+    wint_SPMCalType cal = CantileverCalibration();
+    cal.ForceOn = 1, cal.ForceK = 0.2, cal.ForceSens = 50.0, cal.ForceOffset = 0.1;
+    SetCantileverCalibration(cal);
+    ImageHeaderType* source = AddCurve({0, 1, 2}, {0.5f, 1.0f, 2.0f}, "f");
+    source->AcqMode = 15;
+    source->DataSource = 8;
+    ASSERT_NE(ImageDataValue2Calibrated(source, 1.0, 0), 1.0);   // the conversion is in force
+    host.entryAnswers.push_back("2");
+    dl_SpecMathY(2);
+    const std::vector<float> before = Ys(source), after = Ys(CurrentItem);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_NEAR(ImageDataValue2Calibrated(CurrentItem, after[i], 0), 2 * ImageDataValue2Calibrated(source, before[i], 0),
+                    1e-4)
+            << i;
+    // X is not converted.
+    CurrentItem = source;
+    host.entryAnswers.push_back("2");
+    dl_SpecMathX(2);
+    EXPECT_EQ(Xs(CurrentItem), (std::vector<float>{0, 2, 4}));
 }
