@@ -370,6 +370,70 @@ TEST_F(CanvasTextTest, EveryAlignmentPlacesTheCellAroundTheReferencePoint)
     EXPECT_GT(ink, 20);
 }
 
+TEST_F(CanvasTextTest, AnUpwardEscapementOnlyComesFromNinetyDegrees)
+{
+    LOGFONT lf{};
+    lf.lfHeight = 90;
+    lf.lfEscapement = 900;
+    EXPECT_EQ(CreatePointFontIndirect(&lf, dc).escapement, kEscapementUp);
+    lf.lfEscapement = 450;
+    EXPECT_EQ(CreatePointFontIndirect(&lf, dc).escapement, 0);
+}
+
+TEST_F(CanvasTextTest, TextTurnedUpwardIsTheLevelTextTurnedAQuarterAnticlockwise)
+{
+    // "Ag" at 9 points: 14 by 12. Level at (0, 0) from the top left; turned with its start at
+    // the bottom left of a 12 by 14 canvas, text column c and row r land at (r, 13 - c).
+    Use(14, 12);
+    Font(90);
+    SetBkMode(dc, TRANSPARENT);
+    ASSERT_TRUE(Draw(dc, 0, 0, "Ag"));
+    std::string level = Art();
+    TvCanvas* turned = tv_canvas_create(12, 14);
+    ASSERT_NE(turned, nullptr);
+    tv_canvas_clear(turned, kArtWhite);
+    DrawContext* up = GetDC(turned);
+    ASSERT_NE(up, nullptr);
+    LOGFONT lf{};
+    lf.lfHeight = 90;
+    lf.lfEscapement = 900;
+    SelectObject(up, CreatePointFontIndirect(&lf, up));
+    SetBkMode(up, TRANSPARENT);
+    ASSERT_TRUE(ExtTextOut(up, 0, 14, 0, nullptr, "Ag", 2));
+    int64_t inked = 0;
+    for (int32_t c = 0; c < 14; ++c)
+        for (int32_t r = 0; r < 12; ++r) {
+            const bool ink = level[static_cast<size_t>(r * 15 + c)] == '#';
+            inked += ink;
+            EXPECT_EQ(CanvasColourAt(turned, r, 13 - c), ink ? kArtBlack : kArtWhite) << c << "," << r;
+        }
+    EXPECT_GT(inked, 20);
+    EXPECT_EQ(ReleaseDC(turned, up), 1);
+    tv_canvas_destroy(turned);
+}
+
+TEST_F(CanvasTextTest, TextTurnedUpwardCentresAlongItsBaselineAndMovesThePositionUp)
+{
+    // Centred and top aligned at (20, 40): the 12-pixel cell stands right of x 20, the
+    // 14-pixel run centred on y 40.
+    Use(60, 80);
+    LOGFONT lf{};
+    lf.lfHeight = 90;
+    lf.lfEscapement = 900;
+    SelectObject(dc, CreatePointFontIndirect(&lf, dc));
+    SetBkColor(dc, kArtBlue);
+    SetTextAlign(dc, TA_CENTER | TA_TOP);
+    ASSERT_TRUE(Draw(dc, 20, 40, "Ag"));
+    EXPECT_TRUE(SameRect(CanvasInkBox(canvas, kArtWhite), RECT{20, 33, 32, 47})) << ShowRect(CanvasInkBox(canvas, kArtWhite));
+    tv_canvas_clear(canvas, kArtWhite);
+    SetTextAlign(dc, TA_LEFT | TA_TOP | TA_UPDATECP);
+    MoveTo(dc, 5, 60);
+    ASSERT_TRUE(Draw(dc, 0, 0, "Ag"));
+    const POINT at = MoveTo(dc, 0, 0);
+    EXPECT_EQ(at.x, 5);
+    EXPECT_EQ(at.y, 46);
+}
+
 TEST_F(CanvasTextTest, CentringATextOfOddWidthRoundsItsLeftEdgeUp)
 {
     Use(100, 40);

@@ -320,4 +320,15 @@ TEST_F(PlotPackageTest, TitlesStandBelowAboveAndLeftOfThePlot)
     EXPECT_GT(texts[0].Y1, a.PlotBottom);
     EXPECT_LT(texts[1].Y1, a.PlotTop);
     EXPECT_LT(texts[2].X1, a.PlotLeft + 1);
+    // The left title is one text turned upward, and the font of the titles after it is level
+    // again; a long title stands much taller than wide, centred on the plot's height.
+    EXPECT_EQ(texts[2].Text, "I");
+    EXPECT_EQ(texts[2].Font.Font.lfEscapement, 900);
+    EXPECT_EQ(FSGetTextFont().Font.lfEscapement, 0);
+    PlotTitleLeft("Current (nA)");
+    const auto after = Items(VFS_ITEM_TEXT);
+    ASSERT_EQ(after.size(), 4u);
+    const RECT& box = after[3].Bounds;
+    EXPECT_GT(box.bottom - box.top, 4 * (box.right - box.left));
+    EXPECT_LE(std::abs((box.top + box.bottom) / 2 - (a.PlotTop + a.PlotBottom) / 2), 1);
 }

@@ -178,22 +178,26 @@ void CVfs::AddText(double x, double y, const FontRecType& font, const RECT* clip
     const SIZE extent = TextExtent(font, text);
     const int64_t w = extent.cx, h = extent.cy;
     int64_t ix = FrameInt(px), iy = FrameInt(py);
-    int64_t left, right, top, bottom;
+    // The box along the baseline (a0..a1) and across it (c0..c1), from the reference point.
+    int64_t a0, a1, c0, c1;
     uint32_t flags = 0;
     switch (alignH) {
-    case 0: left = ix, right = ix + w + 1, flags |= TA_LEFT; break;
-    case 2: left = ix - w, right = ix, flags |= TA_RIGHT; break;
-    default: left = ix - w / 2 - 1, right = ix + w / 2, flags |= TA_CENTER; break;
+    case 0: a0 = 0, a1 = w + 1, flags |= TA_LEFT; break;
+    case 2: a0 = -w, a1 = 0, flags |= TA_RIGHT; break;
+    default: a0 = -w / 2 - 1, a1 = w / 2, flags |= TA_CENTER; break;
     }
+    int64_t shift = 0;
     switch (alignV) {
-    case 0: top = iy - h, bottom = iy, flags |= TA_BOTTOM; break;
-    case 2: top = iy, bottom = iy + h, flags |= TA_TOP; break;
-    default:
-        iy -= h / 2;
-        top = iy, bottom = iy + h, flags |= TA_TOP;
-        break;
+    case 0: c0 = -h, c1 = 0, flags |= TA_BOTTOM; break;
+    case 2: c0 = 0, c1 = h, flags |= TA_TOP; break;
+    default: shift = h / 2, c0 = 0, c1 = h, flags |= TA_TOP; break;
     }
-    RECT box{Clamp32(left), Clamp32(top), Clamp32(right), Clamp32(bottom)};
+    // A text turned upward runs along -y, and its across direction is +x.
+    const bool up = font.Font.lfEscapement == kEscapementUp;
+    if (up) ix -= shift;
+    else iy -= shift;
+    RECT box = up ? RECT{Clamp32(ix + c0), Clamp32(iy - a1), Clamp32(ix + c1), Clamp32(iy - a0)}
+                  : RECT{Clamp32(ix + a0), Clamp32(iy + c0), Clamp32(ix + a1), Clamp32(iy + c1)};
     if (clip) box = clipBox;
 
     if (draw && DC) {

@@ -62,15 +62,6 @@ constexpr SymbolShape kSymbols[3][2] = {
 int AreaLeft() { return CurrentPlotArea().Left; }
 int AreaTop() { return CurrentPlotArea().Top; }
 
-int TextHeight(const char* sample)
-{
-    CVfs* vfs = CurrentVfs();
-    if (!vfs) return 10;
-    RECT box{};
-    vfs->MeasureText(&box, 0, 0, NamedFont(FONT_GENERAL), sample, TextAlignWord(0, 2, 0));
-    return std::max(1, box.bottom - box.top);
-}
-
 } // namespace
 
 void PlotCurve(const float* x, const float* y, int n, int colour, int colour2, int width, int breakAtHalf,
@@ -153,15 +144,16 @@ void PlotTitleLeft(const char* text)
 {
     if (!text) return;
     const PlotAreaType& a = CurrentPlotArea();
-    const int n = static_cast<int>(std::min<size_t>(std::char_traits<char>::length(text), 80));
-    const int step = TextHeight("Mg");
-    const int x = std::max(0, (a.PlotLeft - a.Left) / 4);
-    int y = (a.PlotTop + a.PlotBottom) / 2 - a.Top - n * step / 2;
+    // The current font turned a quarter anticlockwise: the title reads upward, centred on the
+    // plot's height, its top a quarter of the left margin in from the area's edge.
+    const FontRecType level = FSGetTextFont();
+    FontRecType turned = level;
+    turned.Font.lfEscapement = kEscapementUp;
+    turned.Font.lfOrientation = kEscapementUp;
+    FSSetTextFont(turned);
     FSSetTextAlign(TextAlignWord(1, 2, 0));
-    for (int i = 0; i < n; ++i, y += step) {
-        const char letter[2] = {text[i], '\0'};
-        if (letter[0] != ' ') FSTextOut(x, y, letter);
-    }
+    FSTextOut(std::max(0, (a.PlotLeft - a.Left) / 4), (a.PlotTop + a.PlotBottom) / 2 - a.Top, text);
+    FSSetTextFont(level);
 }
 
 void GetPlotExtremes(const float* x, int n, float* min, float* max)

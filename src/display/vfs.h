@@ -134,6 +134,8 @@ void FSSetTextColour(int index);
 int FSGetTextColour();
 // The font and the placement word (TextAlignWord) of FSTextOut.
 void FSSetTextFont(const FontRecType& font);
+// The font FSTextOut uses now (the general font until one is set).
+const FontRecType& FSGetTextFont();
 void FSSetTextAlign(uint32_t alignWord);
 void FSMoveTo(int x, int y);
 void FSLineTo(int x, int y, int width);

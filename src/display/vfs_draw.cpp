@@ -95,12 +95,14 @@ void FSBox(int kind, int x1, int y1, int x2, int y2)
         vfs->AddFill(left, top, right, bottom, IndexColour(g_draw.colour));
 }
 
+const FontRecType& FSGetTextFont() { return g_draw.fontSet ? g_draw.font : NamedFont(FONT_GENERAL); }
+
 void FSTextOut(int x, int y, const char* text)
 {
     const int ax = AbsoluteX(x), ay = AbsoluteY(y);
     CVfs* vfs = CurrentVfs();
     if (!vfs || !text || !InClip(ax, ay)) return;
-    const FontRecType& font = g_draw.fontSet ? g_draw.font : NamedFont(FONT_GENERAL);
+    const FontRecType& font = FSGetTextFont();
     vfs->AddText(ax, ay, font, nullptr, text, g_draw.alignWord, IndexColour(g_draw.textColour), kWhite);
 }
 

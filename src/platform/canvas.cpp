@@ -94,7 +94,7 @@ DrawState DefaultState(const TvCanvas* canvas)
     DrawState state{};
     state.position = {0, 0};
     state.pen = CanvasPen{PS_SOLID, 1, 0};
-    state.font = CanvasFont{kDefaultFontHeight, FW_NORMAL, false, false, false};
+    state.font = CanvasFont{kDefaultFontHeight, FW_NORMAL, false, false, false, 0};
     state.textColour = 0;
     state.bkColour = 0xFFFFFF;
     state.bkMode = OPAQUE;
@@ -414,6 +414,7 @@ CanvasFont CreatePointFontIndirect(const LOGFONT* font, const DrawContext* /*dc:
     made.italic = font->lfItalic != 0;
     made.underline = font->lfUnderline != 0;
     made.strikeOut = font->lfStrikeOut != 0;
+    made.escapement = font->lfEscapement == kEscapementUp ? kEscapementUp : 0;
     return made;
 }
 
@@ -465,57 +466,99 @@ uint32_t SetTextAlign(DrawContext* dc, uint32_t flags)
     return former;
 }
 
+namespace {
+
+// The glyphs of a text whose cell starts at `left` along the baseline (x right) and at `top`
+// across it (y down), drawn inside `visible`.
+void DrawGlyphsLevel(TvCanvas* canvas, const FontFace& face, const char* text, int32_t length, int64_t left,
+                     int64_t top, const Box& visible, uint32_t ink)
+{
+    int64_t penX = left;
+    for (int32_t i = 0; i < length && penX < visible.right; ++i) {
+        unsigned char code = static_cast<unsigned char>(text[i]);
+        int64_t advance = GlyphAdvance(face, code);
+        int64_t from = std::max(penX, visible.left);
+        int64_t to = std::min(penX + advance, visible.right);
+        for (int64_t py = visible.top; py < visible.bottom; ++py) {
+            uint32_t* row = canvas->pixels.data() + py * canvas->width;
+            for (int64_t px = from; px < to; ++px)
+                if (CellInk(face, code, static_cast<int32_t>(px - penX), static_cast<int32_t>(py - top)))
+                    row[px] = ink;
+        }
+        penX += advance;
+    }
+}
+
+// The same with the baseline running upward from the reference point: text column c and row
+// r of the cell land at x = refX + across + r, y = refY - 1 - (along + c).
+void DrawGlyphsUp(TvCanvas* canvas, const FontFace& face, const char* text, int32_t length, int64_t refX,
+                  int64_t refY, int64_t along, int64_t across, const Box& visible, uint32_t ink)
+{
+    int64_t pen = along;
+    for (int32_t i = 0; i < length; ++i) {
+        unsigned char code = static_cast<unsigned char>(text[i]);
+        int64_t advance = GlyphAdvance(face, code);
+        for (int64_t c = 0; c < advance; ++c) {
+            int64_t py = refY - 1 - (pen + c);
+            if (py < visible.top || py >= visible.bottom) continue;
+            uint32_t* row = canvas->pixels.data() + py * canvas->width;
+            for (int64_t r = 0; r < face.height; ++r) {
+                int64_t px = refX + across + r;
+                if (px >= visible.left && px < visible.right &&
+                    CellInk(face, code, static_cast<int32_t>(c), static_cast<int32_t>(r)))
+                    row[px] = ink;
+            }
+        }
+        pen += advance;
+    }
+}
+
+} // namespace
+
 bool ExtTextOut(DrawContext* dc, int32_t x, int32_t y, uint32_t options, const RECT* rect, const char* text,
                 int32_t length)
 {
     if (dc == nullptr || length < 0 || (length > 0 && text == nullptr)) return false;
     const DrawState& state = dc->state;
     FontFace face = FaceOf(state.font);
+    const bool up = state.font.escapement == kEscapementUp;
     int64_t width = TextWidth(face, text, static_cast<size_t>(length));
     uint32_t align = state.textAlign;
     bool updateCp = (align & TA_UPDATECP) != 0;
     int64_t refX = updateCp ? state.position.x : ClampCoordinate(x);
     int64_t refY = updateCp ? state.position.y : ClampCoordinate(y);
 
-    int64_t left = refX;
+    // The cell relative to the reference point, along the baseline and across it.
+    int64_t along = 0;
     uint32_t horizontal = align & TA_CENTER;
-    if (horizontal == TA_CENTER) left = refX - width / 2;
-    else if (horizontal == TA_RIGHT) left = refX - width;
-    int64_t top = refY;
+    if (horizontal == TA_CENTER) along = -(width / 2);
+    else if (horizontal == TA_RIGHT) along = -width;
+    int64_t across = 0;
     uint32_t vertical = align & TA_BASELINE;
-    if (vertical == TA_BASELINE) top = refY - face.ascent;
-    else if (vertical == TA_BOTTOM) top = refY - face.height;
+    if (vertical == TA_BASELINE) across = -face.ascent;
+    else if (vertical == TA_BOTTOM) across = -face.height;
 
     Box unlimited{INT64_MIN / 4, INT64_MIN / 4, INT64_MAX / 4, INT64_MAX / 4};
     Box given = rect != nullptr ? Ordered(*rect) : unlimited;
     if ((options & ETO_OPAQUE) != 0 && rect != nullptr) FillClipped(dc, given, given, state.bkColour);
     Box limit = (options & ETO_CLIPPED) != 0 ? given : unlimited;
-    Box cell{left, top, left + width, top + face.height};
+    Box cell = up ? Box{refX + across, refY - (along + width), refX + across + face.height, refY - along}
+                  : Box{refX + along, refY + across, refX + along + width, refY + across + face.height};
     if (state.bkMode == OPAQUE) FillClipped(dc, cell, limit, state.bkColour);
 
     Box visible = Intersect(Intersect(cell, limit), ReachableBox(dc));
     if (!BoxEmpty(visible)) {
         uint32_t ink = Opaque(state.textColour);
-        TvCanvas* canvas = dc->canvas;
-        int64_t penX = left;
-        for (int32_t i = 0; i < length && penX < visible.right; ++i) {
-            unsigned char code = static_cast<unsigned char>(text[i]);
-            int64_t advance = GlyphAdvance(face, code);
-            int64_t from = std::max(penX, visible.left);
-            int64_t to = std::min(penX + advance, visible.right);
-            for (int64_t py = visible.top; py < visible.bottom; ++py) {
-                uint32_t* row = canvas->pixels.data() + py * canvas->width;
-                for (int64_t px = from; px < to; ++px)
-                    if (CellInk(face, code, static_cast<int32_t>(px - penX), static_cast<int32_t>(py - top)))
-                        row[px] = ink;
-            }
-            penX += advance;
-        }
+        if (up)
+            DrawGlyphsUp(dc->canvas, face, text, length, refX, refY, along, across, visible, ink);
+        else
+            DrawGlyphsLevel(dc->canvas, face, text, length, refX + along, refY + across, visible, ink);
     }
 
     if (updateCp) {
-        if (horizontal == TA_LEFT) dc->state.position.x = ClampCoordinate(refX + width);
-        else if (horizontal == TA_RIGHT) dc->state.position.x = ClampCoordinate(refX - width);
+        int64_t moved = horizontal == TA_LEFT ? width : horizontal == TA_RIGHT ? -width : 0;
+        if (up) dc->state.position.y = ClampCoordinate(refY - moved);
+        else dc->state.position.x = ClampCoordinate(refX + moved);
     }
     return true;
 }

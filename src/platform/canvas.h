@@ -123,13 +123,18 @@ struct CanvasPen {
 };
 
 // A font made for a context: its cell height in pixels and its style.
+// escapement: the direction of the baseline in tenths of a degree, 0 or 900 (upward, the
+// letters turned a quarter anticlockwise); the alignment flags keep their meaning along the
+// turned baseline.
 struct CanvasFont {
     int32_t height;
     int32_t weight;
     bool italic;
     bool underline;
     bool strikeOut;
+    int32_t escapement;
 };
+constexpr int32_t kEscapementUp = 900;
 
 // Everything SaveDC keeps and RestoreDC brings back.
 struct DrawState {
