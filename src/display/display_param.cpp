@@ -61,25 +61,6 @@ void CopyOverlayTexts(char (&to)[TV_OVERLAY_TEXTS][TV_OVERLAY_TEXT_CHARS],
     }
 }
 
-// The font into the record's form; answers its colour.
-uint32_t FontToRecord(const FontRecType& font, TvLogFont* out)
-{
-    static_assert(sizeof(TvLogFont) == sizeof(LOGFONT), "the two font descriptions agree");
-    std::memcpy(out, &font.Font, sizeof *out);
-    out->lfHeight = font.Font.lfHeight / kRecordFontHeightDivisor;
-    out->lfFaceName[sizeof out->lfFaceName - 1] = '\0';
-    return font.FontColour;
-}
-
-void FontFromRecord(FontRecType& font, const TvLogFont& in, uint32_t colour)
-{
-    std::memcpy(&font.Font, &in, sizeof font.Font);
-    const int64_t height = int64_t{in.lfHeight} * kRecordFontHeightDivisor;
-    font.Font.lfHeight = static_cast<int32_t>(height > INT32_MAX ? INT32_MAX : height < INT32_MIN ? INT32_MIN : height);
-    font.Font.lfFaceName[sizeof font.Font.lfFaceName - 1] = '\0';
-    font.FontColour = colour;
-}
-
 int32_t TextOverlayCode()
 {
     if (!FSState.TextOverlayOn) return 0;
@@ -170,6 +151,25 @@ void ApplyStore(const DisplayParamStore& s)
 }
 
 } // namespace
+
+// The font into the record's form; answers its colour.
+uint32_t FontToRecord(const FontRecType& font, TvLogFont* out)
+{
+    static_assert(sizeof(TvLogFont) == sizeof(LOGFONT), "the two font descriptions agree");
+    std::memcpy(out, &font.Font, sizeof *out);
+    out->lfHeight = font.Font.lfHeight / kRecordFontHeightDivisor;
+    out->lfFaceName[sizeof out->lfFaceName - 1] = '\0';
+    return font.FontColour;
+}
+
+void FontFromRecord(FontRecType& font, const TvLogFont& in, uint32_t colour)
+{
+    std::memcpy(&font.Font, &in, sizeof font.Font);
+    const int64_t height = int64_t{in.lfHeight} * kRecordFontHeightDivisor;
+    font.Font.lfHeight = static_cast<int32_t>(height > INT32_MAX ? INT32_MAX : height < INT32_MIN ? INT32_MIN : height);
+    font.Font.lfFaceName[sizeof font.Font.lfFaceName - 1] = '\0';
+    font.FontColour = colour;
+}
 
 DisplaySettings Display = DefaultSettings();
 bool AttachedSpectraMarksOn = false;

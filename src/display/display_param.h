@@ -18,6 +18,12 @@ constexpr float kMaxDisplayFactor = 10.0f;
 // Font heights in the record are the stored heights divided by this.
 constexpr int kRecordFontHeightDivisor = 6;
 
+struct FontRecType;
+// A font into the form of the host's records (height divided as above); answers its colour.
+uint32_t FontToRecord(const FontRecType& font, TvLogFont* out);
+// A font from the form of the host's records, with its colour.
+void FontFromRecord(FontRecType& font, const TvLogFont& in, uint32_t colour);
+
 enum ScaleBarModes : int32_t {
     SCALE_BAR_X = 1,
     SCALE_BAR_Y = 2,

@@ -1,4 +1,5 @@
 // The settings of the default plot and their record.
+#include "display/display_param.h"
 #include "display/fonts.h"
 #include "display/plot.h"
 #include "display/plot_spectrum.h"
@@ -10,7 +11,6 @@
 
 namespace {
 
-constexpr int kFontHeightDivisor = 6;
 constexpr float kMinTickFraction = 100.0f;
 
 PlotSettings DefaultPlotSettings()
@@ -30,23 +30,6 @@ PlotSettings DefaultPlotSettings()
 PlotSettings PlotParam = DefaultPlotSettings();
 
 namespace {
-
-void FontOut(const FontRecType& font, TvLogFont* out, uint32_t* colour)
-{
-    std::memcpy(out, &font.Font, sizeof *out);
-    out->lfHeight = font.Font.lfHeight / kFontHeightDivisor;
-    out->lfFaceName[sizeof out->lfFaceName - 1] = '\0';
-    *colour = font.FontColour;
-}
-
-void FontIn(FontRecType& font, const TvLogFont& in, uint32_t colour)
-{
-    std::memcpy(&font.Font, &in, sizeof font.Font);
-    const int64_t height = int64_t{in.lfHeight} * kFontHeightDivisor;
-    font.Font.lfHeight = static_cast<int32_t>(std::clamp<int64_t>(height, INT32_MIN, INT32_MAX));
-    font.Font.lfFaceName[sizeof font.Font.lfFaceName - 1] = '\0';
-    font.FontColour = colour;
-}
 
 // Reversed limits are swapped; the tick is at least a hundredth of the range.
 void OrderAxis(float* lo, float* hi, float* tick)
@@ -72,13 +55,9 @@ void GetPlotParam(wint_PlotParamType* param)
     param->GridX = s.GridX, param->GridY = s.GridY, param->BoxAxes = s.BoxAxes;
     param->MinX = s.MinX, param->MinY = s.MinY, param->MaxX = s.MaxX, param->MaxY = s.MaxY;
     param->TickStepX = s.TickStepX, param->TickStepY = s.TickStepY;
-    uint32_t colour = 0;
-    FontOut(NamedFont(FONT_PLOT_TITLE1), &param->TitleFont, &colour);
-    param->TitleColour = colour;
-    FontOut(NamedFont(FONT_PLOT_TITLE2), &param->AxisTitleFont, &colour);
-    param->AxisTitleColour = colour;
-    FontOut(NamedFont(FONT_PLOT_TITLE3), &param->NumberFont, &colour);
-    param->NumberColour = colour;
+    param->TitleColour = FontToRecord(NamedFont(FONT_PLOT_TITLE1), &param->TitleFont);
+    param->AxisTitleColour = FontToRecord(NamedFont(FONT_PLOT_TITLE2), &param->AxisTitleFont);
+    param->NumberColour = FontToRecord(NamedFont(FONT_PLOT_TITLE3), &param->NumberFont);
 }
 
 void SetPlotParam(const wint_PlotParamType* param)
@@ -98,9 +77,9 @@ void SetPlotParam(const wint_PlotParamType* param)
     s.TickStepX = p.TickStepX, s.TickStepY = p.TickStepY;
     OrderAxis(&s.MinX, &s.MaxX, &s.TickStepX);
     OrderAxis(&s.MinY, &s.MaxY, &s.TickStepY);
-    FontIn(NamedFont(FONT_PLOT_TITLE1), p.TitleFont, p.TitleColour);
-    FontIn(NamedFont(FONT_PLOT_TITLE2), p.AxisTitleFont, p.AxisTitleColour);
-    FontIn(NamedFont(FONT_PLOT_TITLE3), p.NumberFont, p.NumberColour);
+    FontFromRecord(NamedFont(FONT_PLOT_TITLE1), p.TitleFont, p.TitleColour);
+    FontFromRecord(NamedFont(FONT_PLOT_TITLE2), p.AxisTitleFont, p.AxisTitleColour);
+    FontFromRecord(NamedFont(FONT_PLOT_TITLE3), p.NumberFont, p.NumberColour);
 }
 
 SavedPlotSettings SavePlotSettings()
