@@ -6,6 +6,7 @@
 #include "tavrin/dl_selection.h"
 #include "display/scroll_bars.h"
 #include "display/select_items.h"
+#include "display/plot.h"
 #include "display/selection.h"
 #include "display/selection_band.h"
 #include "display/selection_panel.h"
@@ -365,6 +366,23 @@ TEST_F(SelectionTest, ThePanelOpensOnceAndShowsPointSizeAndHeight)
     Start(2, 2);
     EXPECT_EQ(host.Count("ap_OpenTextWindow"), 1);
     EXPECT_GE(host.Count("ap_ClearTextWindow"), 1);
+}
+
+TEST_F(SelectionTest, AWorldCursorShowsTheValuesOfThePlotUnderIt)
+{
+    Shown(128);
+    // A plot area over the frame's top left 200 by 100 pixels, world 0..10 by 0..5, no margins.
+    SetPlotArea(0, 0, 200, 100, 1);
+    SetPlotMargins(1, 0.0f, 0.0f, 0.0f, 0.0f);
+    SelectPlotArea(1);
+    SetAxisRange(0.0f, 0.0f, 10.0f, 5.0f);
+    ASSERT_EQ(SelectImagePoints(14, 2, xs, ys, 1, 0, 0, 1, 0, 1, 0, 2, RecordingHandler), 0);
+    Event(50, 20, 0);
+    char expected[96];
+    std::snprintf(expected, sizeof expected, "Cursor position (%8.5g,%8.5g)    ", static_cast<double>(PixelToWorldX(50)),
+                  static_cast<double>(PixelToWorldY(20)));
+    EXPECT_EQ(std::string(expected), "Cursor position (     2.5,       4)    ");
+    EXPECT_EQ(PanelLine(2, 2), expected);
 }
 
 TEST_F(SelectionTest, ForceSquareMakesAPhysicalSquareOnNonSquarePixels)

@@ -1,5 +1,6 @@
 #include "display/selection_panel.h"
 #include "display/contents_grid.h"
+#include "display/plot.h"
 #include "display/selection.h"
 #include "display/vfs.h"
 #include "host/ap_callbacks.h"
@@ -143,7 +144,15 @@ void WriteSelectionPanel(int x, int y)
     const SelectionStateType& s = SelectionState;
     const int ix = SelectionPixelX(x), iy = SelectionPixelY(y);
     PrintInWindow(g_panel, 2, 1, "Select point %d/%d      ", s.CurrentPoint + 1, s.PointCount);
-    if (!s.WorldCursor) PrintInWindow(g_panel, 2, 2, "Cursor position (%d,%d)    ", ix, iy);
+    if (!s.WorldCursor) {
+        PrintInWindow(g_panel, 2, 2, "Cursor position (%d,%d)    ", ix, iy);
+    } else {
+        // A plot: the values of its world under the cursor, in the current plot area.
+        const PlotAreaType& area = CurrentPlotArea();
+        const int px = s.BoundLeft + x - area.Left, py = s.BoundTop + y - area.Top;
+        PrintInWindow(g_panel, 2, 2, "Cursor position (%8.5g,%8.5g)    ", static_cast<double>(PixelToWorldX(px)),
+                      static_cast<double>(PixelToWorldY(py)));
+    }
     WriteHeight(s.BoundLeft + x, s.BoundTop + y);
     if (s.PointCount == 3 && s.CurrentPoint == 2) WriteAngle(ix, iy);
     if (s.PointCount == 2 && s.CurrentPoint == 1) {
