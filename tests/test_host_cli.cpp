@@ -507,6 +507,36 @@ TEST_F(HostCliTest, AScriptFinishesATranslationWithPickedPoints)
     EXPECT_TRUE(Contains(ReadLog(), "Translate image 'Au(111) terraces with clusters' by (30,20)"));
 }
 
+TEST_F(HostCliTest, AScriptPassesTheAnsweredWordOnAsRetAndRendersTheSecondStore)
+{
+    SaveTopography("t.tif");
+    WriteFileBytes(Path("level.txt"),
+                   "OpenSTMData 0 \"t.tif\"\n"
+                   "pb_DisplayImage\n"
+                   "GetSubtBckgrndParam 0\n"
+                   "SetSubtBckgrndParam Method=8 DegreeX=1 DegreeY=1\n"
+                   "SubtBackUpdateImageDisplay $ret\n"
+                   "render 2 preview.png\n"
+                   "render 1 image.png\n"
+                   "GetSubtBckgrndParam 3\n"
+                   "info\n");
+    HostRun run = Run("run level.txt");
+    ASSERT_EQ(run.status, 0) << run.err << run.out;
+    EXPECT_TRUE(Contains(run.out, "render: preview.png\nrender: image.png\n")) << run.out;
+    EXPECT_TRUE(fs::exists(Path("preview.png")));
+    EXPECT_TRUE(fs::exists(Path("image.png")));
+    EXPECT_NE(ReadFileBytes(Path("preview.png")), ReadFileBytes(Path("image.png")));
+    // A $ret before any entry point answered, and a store that is not open, stop the script.
+    WriteFileBytes(Path("early.txt"), "SubtBackUpdateImageDisplay $ret\n");
+    HostRun early = Run("run early.txt");
+    EXPECT_EQ(early.status, 2);
+    EXPECT_TRUE(Contains(early.err, "$ret: no entry point has answered a value yet")) << early.err;
+    WriteFileBytes(Path("closed.txt"), "render 7 x.png\n");
+    HostRun closed = Run("run closed.txt");
+    EXPECT_EQ(closed.status, 2);
+    EXPECT_TRUE(Contains(closed.err, "frame store 7 is not open")) << closed.err;
+}
+
 TEST_F(HostCliTest, AScriptTurnsTheLatticeByThreePicksWithTheBandShownBeforeTheLastClick)
 {
     ImageHeaderType* item = MakeSampleLattice(nullptr);

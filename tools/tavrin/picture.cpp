@@ -41,11 +41,13 @@ bool WriteFrameStorePicture(HostFrameStore& fs, const std::string& path)
     return tv_canvas_write_png(fs.window, path.c_str()) == 0;
 }
 
-bool WriteCurrentPicture(const std::string& path)
+bool WriteCurrentPicture(const std::string& path) { return WriteStorePicture(Session().currentFrameStore, path); }
+
+bool WriteStorePicture(int16_t number, const std::string& path)
 {
-    HostFrameStore* fs = FindHostFrameStore(Session().currentFrameStore);
+    HostFrameStore* fs = FindHostFrameStore(number);
     if (!fs) {
-        std::fprintf(stderr, "tavrin: no frame store is open for '%s'\n", path.c_str());
+        std::fprintf(stderr, "tavrin: frame store %d is not open for '%s'\n", number, path.c_str());
         return false;
     }
     if (!WriteFrameStorePicture(*fs, path)) {

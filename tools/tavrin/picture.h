@@ -2,6 +2,7 @@
 // the library's display list drawn over them.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "session.h"
@@ -12,3 +13,5 @@ bool WriteFrameStorePicture(HostFrameStore& fs, const std::string& path);
 // The same for the current frame store; false, with the reason on standard error, when there
 // is none or the picture could not be written.
 bool WriteCurrentPicture(const std::string& path);
+// The same for the frame store of that number.
+bool WriteStorePicture(int16_t number, const std::string& path);

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <map>
+#include <optional>
 #include <set>
 #include <sstream>
 
@@ -83,9 +84,14 @@ bool RunHostCommand(const std::string& name, const std::vector<std::string>& wor
         return true;
     }
     if (name == "render") {
-        if (words.size() != 2) throw ScriptError("render needs one file name");
-        if (!WriteCurrentPicture(words[1])) throw ScriptError("could not write '" + words[1] + "'");
-        std::fprintf(out, "render: %s\n", words[1].c_str());
+        // render FILE: the current frame store; render N FILE: frame store N.
+        if (words.size() != 2 && words.size() != 3) throw ScriptError("render takes [STORE] FILE");
+        const std::string& file = words.back();
+        const bool written = words.size() == 2
+                                 ? WriteCurrentPicture(file)
+                                 : WriteStorePicture(static_cast<int16_t>(ParseNumber(words[1])), file);
+        if (!written) throw ScriptError("could not write '" + file + "'");
+        std::fprintf(out, "render: %s\n", file.c_str());
         return true;
     }
     if (name == "pick") {
@@ -177,6 +183,17 @@ bool RunHostCommand(const std::string& name, const std::vector<std::string>& wor
     return false;
 }
 
+// Every "$ret" of a word becomes the word the last entry point answered.
+void SubstituteReturn(std::string& word, const std::optional<std::string>& lastReturn)
+{
+    static const std::string kReturn = "$ret";
+    for (size_t at = word.find(kReturn); at != std::string::npos; at = word.find(kReturn, at)) {
+        if (!lastReturn) throw ScriptError("$ret: no entry point has answered a value yet");
+        word.replace(at, kReturn.size(), *lastReturn);
+        at += lastReturn->size();
+    }
+}
+
 } // namespace
 
 int RunScript(const std::string& text, const std::string& sourceName, FILE* out)
@@ -184,6 +201,7 @@ int RunScript(const std::string& text, const std::string& sourceName, FILE* out)
     std::istringstream lines(text);
     std::string line;
     int number = 0;
+    std::optional<std::string> lastReturn;   // the word the last entry point answered, for $ret
     while (std::getline(lines, line)) {
         ++number;
         if (!line.empty() && line.back() == '\r') line.pop_back();
@@ -191,6 +209,8 @@ int RunScript(const std::string& text, const std::string& sourceName, FILE* out)
             bool quoted[64] = {};
             std::vector<std::string> words = SplitWords(line, quoted);
             if (words.empty()) continue;
+            for (size_t i = 1; i < words.size() && i < 64; ++i)
+                if (!quoted[i]) SubstituteReturn(words[i], lastReturn);
             // "dl_" may lead an entry point's name.
             const std::string name = words[0].rfind("dl_", 0) == 0 ? words[0].substr(3) : words[0];
             if (RunHostCommand(name, words, quoted, out)) continue;
@@ -205,6 +225,7 @@ int RunScript(const std::string& text, const std::string& sourceName, FILE* out)
                     args.positional.push_back(words[i]);
             }
             std::string result = found->second->call(args);
+            if (result.rfind("= ", 0) == 0) lastReturn = result.substr(2, result.find_first_of(" \n", 2) - 2);
             if (!result.empty()) std::fprintf(out, "%s %s\n", name.c_str(), result.c_str());
         } catch (const ScriptError& e) {
             std::fprintf(stderr, "tavrin: %s:%d: %s\n", sourceName.c_str(), number, e.what());
