@@ -4,8 +4,10 @@
 #include "store/data_list.h"
 #include "store/image_header.h"
 #include "store/memory.h"
+#include "platform/large_blocks.h"
 
 #include <cfloat>
+#include <cstdint>
 #include <cstring>
 
 class MemoryTest : public LibraryTest {
@@ -239,3 +241,64 @@ TEST_F(MemoryTest, FailuresCanBeInjectedAfterSomeSuccesses)
     ExpectNothingLeaked();
 }
 
+
+// Large blocks: mapped with their pages present, zeroed when asked, kept across a resize in
+// either direction over the large-block line, and counted like any other block.
+
+TEST_F(MemoryTest, ALargeBlockFromCallocIsZeroAndCountsItsBytes)
+{
+    const size_t before = LiveBlockBytes();
+    auto* block = static_cast<uint16_t*>(ecalloc(4096 * 4096, 2));
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(LiveBlockBytes(), before + 4096u * 4096u * 2u);
+    size_t nonZero = 0;
+    for (size_t i = 0; i < 4096u * 4096u; i += 997) nonZero += block[i] != 0;
+    EXPECT_EQ(nonZero, 0u);
+    block[4096u * 4096u - 1] = 0xBEEF;
+    EXPECT_EQ(block[4096u * 4096u - 1], 0xBEEF);
+    efree(block);
+    EXPECT_EQ(LiveBlockBytes(), before);
+}
+
+TEST_F(MemoryTest, ResizingAcrossTheLargeBlockLineKeepsTheContents)
+{
+    const size_t small = kLargeBlockBytes / 2, large = kLargeBlockBytes * 3 + 5;
+    const size_t before = LiveBlockBytes();
+    auto* block = static_cast<uint8_t*>(emalloc(small));
+    ASSERT_NE(block, nullptr);
+    for (size_t i = 0; i < small; ++i) block[i] = static_cast<uint8_t>(i * 7);
+    block = static_cast<uint8_t*>(erealloc(block, large));   // malloc to mapped
+    ASSERT_NE(block, nullptr);
+    for (size_t i = 0; i < small; i += 13) ASSERT_EQ(block[i], static_cast<uint8_t>(i * 7)) << i;
+    block[large - 1] = 0x5A;
+    block = static_cast<uint8_t*>(erealloc(block, large * 2));   // mapped to mapped
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(block[large - 1], 0x5A);
+    for (size_t i = 0; i < small; i += 13) ASSERT_EQ(block[i], static_cast<uint8_t>(i * 7)) << i;
+    block = static_cast<uint8_t*>(erealloc(block, 100));   // mapped to malloc
+    ASSERT_NE(block, nullptr);
+    for (size_t i = 0; i < 100; ++i) ASSERT_EQ(block[i], static_cast<uint8_t>(i * 7)) << i;
+    EXPECT_EQ(LiveBlockBytes(), before + 100u);
+    efree(block);
+    ExpectNothingLeaked();
+}
+
+TEST_F(MemoryTest, AnInjectedFailureRefusesALargeBlockToo)
+{
+    FailAllocationsForTests(1);
+    MemHandleType pair{};
+    EXPECT_FALSE(AllocateMemNoErr(4096 * 4096, 2, &pair));
+    EXPECT_EQ(pair.Ptr, nullptr);
+    ExpectNothingLeaked();
+}
+
+TEST_F(MemoryTest, TheSystemRefusingAHugeMappingGivesNullNotACrash)
+{
+    EXPECT_EQ(MapLargeBlock(SIZE_MAX - 10), nullptr);
+    EXPECT_EQ(MapLargeBlock(size_t{1} << 62), nullptr);
+    void* block = MapLargeBlock(kLargeBlockBytes);
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(RemapLargeBlock(block, kLargeBlockBytes, SIZE_MAX - 10), nullptr);
+    static_cast<uint8_t*>(block)[0] = 1;   // still the old block
+    UnmapLargeBlock(block, kLargeBlockBytes);
+}

@@ -3,6 +3,7 @@
 #include "host/globals.h"
 #include "host/log.h"
 #include "store/image_header.h"
+#include "platform/large_blocks.h"
 
 #include <cfloat>
 #include <cstdlib>
@@ -11,11 +12,17 @@
 
 namespace {
 
+// A live block: its size, and whether it is a mapped large block or came from malloc.
+struct LiveBlock {
+    size_t bytes;
+    bool mapped;
+};
+
 // Live blocks by address. The key is the address as a number: the registry never reads the
 // blocks themselves.
-std::unordered_map<uintptr_t, size_t>& Registry()
+std::unordered_map<uintptr_t, LiveBlock>& Registry()
 {
-    static std::unordered_map<uintptr_t, size_t> registry;
+    static std::unordered_map<uintptr_t, LiveBlock> registry;
     return registry;
 }
 
@@ -35,18 +42,40 @@ bool InjectedFailure()
     return true;
 }
 
-void Track(uintptr_t address, size_t bytes)
+void Track(void* block, size_t bytes, bool mapped)
 {
-    Registry()[address] = bytes;
+    Registry()[reinterpret_cast<uintptr_t>(block)] = LiveBlock{bytes, mapped};
     g_liveBytes += bytes;
 }
 
-void Untrack(uintptr_t address)
+bool IsLarge(size_t bytes) { return bytes >= kLargeBlockBytes; }
+
+// A fresh block, zeroed or not; large ones come mapped with their pages present.
+void* Obtain(size_t bytes, bool zeroed)
 {
-    auto it = Registry().find(address);
-    if (it == Registry().end()) return;
-    g_liveBytes -= it->second;
-    Registry().erase(it);
+    void* block = IsLarge(bytes) ? MapLargeBlock(bytes) : zeroed ? std::calloc(bytes ? bytes : 1, 1)
+                                                                 : std::malloc(bytes ? bytes : 1);
+    if (block) Track(block, bytes, IsLarge(bytes));
+    return block;
+}
+
+void Release(void* block, const LiveBlock& live)
+{
+    if (live.mapped) UnmapLargeBlock(block, live.bytes);
+    else std::free(block);
+}
+
+// A block of the registry at a new size, moving between malloc and a mapping when the size
+// crosses the large-block line.
+void* Resize(void* block, const LiveBlock& live, size_t bytes)
+{
+    if (live.mapped && IsLarge(bytes)) return RemapLargeBlock(block, live.bytes, bytes);
+    if (!live.mapped && !IsLarge(bytes)) return std::realloc(block, bytes ? bytes : 1);
+    void* moved = IsLarge(bytes) ? MapLargeBlock(bytes) : std::malloc(bytes ? bytes : 1);
+    if (!moved) return nullptr;
+    std::memcpy(moved, block, live.bytes < bytes ? live.bytes : bytes);
+    Release(block, live);
+    return moved;
 }
 
 bool MulOverflows(size_t a, size_t b, size_t* product)
@@ -59,18 +88,14 @@ bool MulOverflows(size_t a, size_t b, size_t* product)
 void* emalloc(size_t bytes)
 {
     if (InjectedFailure()) return nullptr;
-    void* block = std::malloc(bytes ? bytes : 1);
-    if (block) Track(reinterpret_cast<uintptr_t>(block), bytes);
-    return block;
+    return Obtain(bytes, false);
 }
 
 void* ecalloc(size_t count, size_t size)
 {
     size_t bytes = 0;
     if (MulOverflows(count, size, &bytes) || InjectedFailure()) return nullptr;
-    void* block = std::calloc(bytes ? bytes : 1, 1);
-    if (block) Track(reinterpret_cast<uintptr_t>(block), bytes);
-    return block;
+    return Obtain(bytes, true);
 }
 
 void* erealloc(void* block, size_t bytes)
@@ -78,23 +103,33 @@ void* erealloc(void* block, size_t bytes)
     if (!block) return emalloc(bytes);
     if (InjectedFailure()) return nullptr;
     auto it = Registry().find(reinterpret_cast<uintptr_t>(block));
-    size_t oldBytes = it == Registry().end() ? 0 : it->second;
-    void* moved = std::realloc(block, bytes ? bytes : 1);
+    if (it == Registry().end()) {
+        void* moved = std::realloc(block, bytes ? bytes : 1);
+        if (moved) Track(moved, bytes, false);
+        return moved;
+    }
+    const LiveBlock live = it->second;
+    void* moved = Resize(block, live, bytes);
     if (!moved) return nullptr;
     // The old address is only a key now; it is never followed.
-    if (it != Registry().end()) {
-        Registry().erase(it);
-        g_liveBytes -= oldBytes;
-    }
-    Track(reinterpret_cast<uintptr_t>(moved), bytes);
+    Registry().erase(reinterpret_cast<uintptr_t>(block));
+    g_liveBytes -= live.bytes;
+    Track(moved, bytes, IsLarge(bytes));
     return moved;
 }
 
 void efree(void* block)
 {
     if (!block) return;
-    Untrack(reinterpret_cast<uintptr_t>(block));
-    std::free(block);
+    auto it = Registry().find(reinterpret_cast<uintptr_t>(block));
+    if (it == Registry().end()) {
+        std::free(block);
+        return;
+    }
+    const LiveBlock live = it->second;
+    g_liveBytes -= live.bytes;
+    Registry().erase(it);
+    Release(block, live);
 }
 
 void efree_check(void* block)
@@ -244,8 +279,8 @@ long HeapWalk()
 
 void DumpHeap()
 {
-    for (const auto& [block, bytes] : Registry())
-        Log("%6s block at %p of size %4.4X\n", "USED", reinterpret_cast<void*>(block), static_cast<unsigned>(bytes));
+    for (const auto& [block, live] : Registry())
+        Log("%6s block at %p of size %4.4X\n", "USED", reinterpret_cast<void*>(block), static_cast<unsigned>(live.bytes));
     Log(Registry().empty() ? "OK enpty heap\n" : "OK - heap end\n");
 }
 
