@@ -6,12 +6,14 @@ BUILD       := build
 TEST_BUILD  := build-test
 BENCH_BUILD := build-bench
 FUZZ_BUILD  := build-fuzz
+COVERAGE_BUILD := build-coverage
 FUZZ_SECONDS ?= 60
 
 PKGS_BUILD := cmake ninja-build g++ libpng-dev
 PKGS_TEST  := $(PKGS_BUILD) libgtest-dev libgmock-dev libtiff-tools python3-pil
 PKGS_BENCH := $(PKGS_BUILD) libbenchmark-dev python3-scipy python3-numpy
 PKGS_FUZZ  := $(PKGS_BUILD) clang libclang-rt-14-dev
+PKGS_COVERAGE := $(PKGS_TEST) gcovr
 
 # $(call need,packages): install what is missing (as root), or print the line to run.
 define need
@@ -27,7 +29,7 @@ define need
 	fi
 endef
 
-.PHONY: all build test demo bench fuzz clean
+.PHONY: all build test demo bench fuzz coverage clean
 
 all: build
 
@@ -56,16 +58,31 @@ bench:
 	@echo "== scipy.ndimage on the input of bench_filters"; /usr/bin/python3 bench/filters_scipy.py
 	@echo "== numpy lstsq on the input of bench_fit"; /usr/bin/python3 bench/fit_numpy.py
 
+# Each fuzz target runs FUZZ_SECONDS on its corpus, JOBS at a time; new inputs go to the
+# build tree, never into the committed corpus. Any crash stops with its status.
 fuzz:
 	$(call need,$(PKGS_FUZZ))
 	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTAVRIN_FUZZ=ON >/dev/null
 	cmake --build $(FUZZ_BUILD) -j $(JOBS)
-	@for f in $(FUZZ_BUILD)/bin/fuzz_*; do \
-	  name=$$(basename $$f); mkdir -p fuzz/corpus/$$name $(FUZZ_BUILD)/work/$$name; \
-	  echo "== $$name for $(FUZZ_SECONDS) s"; \
-	  $$f -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 \
-	      $(FUZZ_BUILD)/work/$$name fuzz/corpus/$$name || exit 1; \
-	done
+	@ls $(FUZZ_BUILD)/bin/fuzz_* | grep -v _replay | xargs -P $(JOBS) -I{} sh -c '\
+	  name=$$(basename {}); mkdir -p fuzz/corpus/$$name $(FUZZ_BUILD)/work/$$name; \
+	  if {} -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 \
+	       $(FUZZ_BUILD)/work/$$name fuzz/corpus/$$name > $(FUZZ_BUILD)/work/$$name.log 2>&1; \
+	  then echo "== $$name: $$(grep -o "#[0-9]*" $(FUZZ_BUILD)/work/$$name.log | tail -1 | tr -d "#") runs in $(FUZZ_SECONDS) s, no crash"; \
+	  else tail -40 $(FUZZ_BUILD)/work/$$name.log; echo "== $$name FAILED"; exit 255; fi'
+
+# Line and branch coverage of the library's sources by the tests; HTML under build-coverage/.
+coverage:
+	$(call need,$(PKGS_COVERAGE))
+	cmake -S . -B $(COVERAGE_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTAVRIN_TESTS=ON \
+	  -DCMAKE_CXX_FLAGS=--coverage -DCMAKE_C_FLAGS=--coverage -DCMAKE_EXE_LINKER_FLAGS=--coverage \
+	  -DCMAKE_SHARED_LINKER_FLAGS=--coverage >/dev/null
+	cmake --build $(COVERAGE_BUILD) -j $(JOBS)
+	find $(COVERAGE_BUILD) -name '*.gcda' -delete
+	cd $(COVERAGE_BUILD) && ctest -j $(JOBS) --timeout 600 >/dev/null || (ctest -j $(JOBS) --output-on-failure --timeout 600; exit 1)
+	mkdir -p $(COVERAGE_BUILD)/html
+	gcovr -r . --object-directory $(COVERAGE_BUILD) --filter 'src/' -j $(JOBS) \
+	  --html-details $(COVERAGE_BUILD)/html/index.html --print-summary
 
 clean:
-	rm -rf $(BUILD) $(TEST_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)
+	rm -rf $(BUILD) $(TEST_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD) $(COVERAGE_BUILD)
