@@ -79,12 +79,7 @@ void CheckBorder(const std::vector<uint16_t>& in, const std::vector<uint16_t>& o
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static const bool ready = [] {
-        ResetProcessState();
-        fuzzsupport::WorkDirectory();
-        return true;
-    }();
-    (void)ready;
+    fuzzsupport::StartOnce();
     if (size < 4) return 0;
     Reader in{data, size};
     const int nx = 1 + data[0] % 64, ny = 1 + data[1] % 64;
