@@ -9,6 +9,7 @@
 #include "display/contrast_map.h"
 #include "display/full_display.h"
 #include "display/lut.h"
+#include "display/palette.h"
 #include "display/render_histogram.h"
 #include "display/select_items.h"
 #include "host/ap_callbacks.h"
@@ -745,4 +746,36 @@ TEST_F(ContrastTest, CancelOfTheThresholdDialogueChangesNothing)
     EXPECT_TRUE(IsIdentityTable(source->ImageLUT));
     EXPECT_EQ(OutputPlane(0), redBefore);
     EXPECT_TRUE(host.messageBoxes.empty());
+}
+
+TEST_F(ContrastTest, InTrueRGBModeThePreviewRedrawsTheFullDisplayWithTheTableOfTheAccept)
+{
+    TrueRGB = true;
+    AddScan();
+    host.ClearCalls();
+    dl_AdjustLUT();
+    // The full display comes first, without text.
+    EXPECT_EQ(fs.Index(405, 100), 6);
+    const int shown = host.Count("ap_UpdateVFS");
+    EXPECT_GE(shown, 1);
+    dl_Horz_Scroll_Bar3_Callback(500, 0, 20.0f, 150.0f, 1.0f);
+    uint8_t direct[256];
+    PlainContrastTable(20.0, 150.0, 1.0, direct);
+    EXPECT_EQ(Table(CurrentItem), std::vector<uint8_t>(direct, direct + 256));
+    EXPECT_GT(host.Count("ap_UpdateVFS"), shown);
+    // The same values again: nothing is redrawn.
+    const int again = host.Count("ap_UpdateVFS");
+    dl_Horz_Scroll_Bar3_Callback(500, 0, 20.0f, 150.0f, 1.0f);
+    EXPECT_EQ(host.Count("ap_UpdateVFS"), again);
+    dl_Horz_Scroll_Bar3_Callback(500, 2, 20.0f, 150.0f, 1.0f);
+    TrueRGB = false;
+}
+
+TEST_F(ContrastTest, ExtractAndReplaceAreCodes87And88OfTheHistory)
+{
+    EXPECT_STREQ(GetProcessName(87 - 1), "Extract");
+    EXPECT_STREQ(GetProcessName(88 - 1), "Replace");
+    EXPECT_STREQ(GetProcessName(81 - 1), "Adjust contrast & brightness");
+    EXPECT_STREQ(GetProcessName(47 - 1), "Window");
+    EXPECT_STREQ(GetProcessName(103 - 1), "Transform Data");
 }

@@ -400,6 +400,37 @@ TEST_F(ImageMathTest, NormaliseSDWithRangeZeroGivesSpanOneAndK255)
     for (int i = 102; i < 256; ++i) EXPECT_EQ(t[i], 255) << i;
 }
 
+TEST_F(ImageMathTest, NormaliseSDWithRangeZeroThroughItsEntryPoint)
+{
+    // Levels 100 and 102 in equal parts: mean 101, s.d. 1; lo = hi = 101, span 1, K = 255,
+    // O = trunc(-254 * 101) = -25654, so T[100] = 0, T[101] = 101, T[102] = 255.
+    ImageHeaderType* source = AddImage(8, 8, [](int x, int) { return uint16_t(x < 4 ? 100 << 8 : 102 << 8); }, "Z");
+    host.entryAnswers.push_back("0");
+    dl_NormaliseSD();
+    ImageHeaderType* made = CurrentItem;
+    ASSERT_EQ(made, source->Next);
+    EXPECT_EQ(made->PixData[0], 0);
+    EXPECT_EQ(made->PixData[4], 255 * 255);
+    int32_t bins[256];
+    CalcHistogram(source, bins);
+    double mean = 0, sd = 0;
+    HistogramMoments(bins, 64, &mean, &sd);
+    const SDStretch s = SDStretchFor(mean, sd, 0.0);
+    EXPECT_EQ(s.span, 1);
+    EXPECT_DOUBLE_EQ(s.k, 255.0);
+    EXPECT_EQ(s.offset, -25654);
+}
+
+TEST_F(ImageMathTest, AFlatImageHasTheSmallestSD)
+{
+    int32_t bins[256] = {};
+    bins[77] = 100;
+    double mean = 0, sd = 0;
+    HistogramMoments(bins, 100, &mean, &sd);
+    EXPECT_DOUBLE_EQ(mean, 77.0);
+    EXPECT_DOUBLE_EQ(sd, 1e-5);
+}
+
 TEST_F(ImageMathTest, NormaliseSDThroughItsEntryPoint)
 {
     // Half the points at level 40, half at level 60: mean 50, s.d. 10.
