@@ -1,4 +1,5 @@
 #include "display/histogram_display.h"
+#include "display/current_image.h"
 #include "display/full_display.h"
 #include "display/plot.h"
 #include "display/plot_spectrum.h"
@@ -16,23 +17,6 @@
 namespace {
 
 constexpr int kLevels = kHistogramBins;
-
-const ImageHeaderType* CurrentImage()
-{
-    const ImageHeaderType* image = CurrentItem;
-    if (!image || !CheckHeaderIsImageType(image) || !image->PixData || image->nx <= 0 || image->ny <= 0) {
-        Error(ERR_NO_IMAGES);
-        return nullptr;
-    }
-    return image;
-}
-
-const char* TitleOf(const ImageHeaderType* item, char (&text)[sizeof(ImageHeaderType::Title) + 1])
-{
-    std::memcpy(text, item->Title, sizeof item->Title);
-    text[sizeof item->Title] = '\0';
-    return text;
-}
 
 // The histogram item behind `image`: the header fields that name its values, 256 points.
 ImageHeaderType* MakeHistogramItem(ImageHeaderType* image, const float* values, const int32_t* bins)
@@ -66,7 +50,7 @@ ImageHeaderType* MakeHistogramItem(ImageHeaderType* image, const float* values, 
 
 void DisplayImageLUT()
 {
-    const ImageHeaderType* image = CurrentImage();
+    const ImageHeaderType* image = RequireReadableImage();
     if (!image) return;
     float x[kLevels], y[kLevels];
     for (int i = 0; i < kLevels; ++i) {
@@ -75,14 +59,14 @@ void DisplayImageLUT()
     }
     DisplaySpecWithSettings(nullptr, x, y, kLevels, PlotParam.LogAxisX, PlotParam.LogAxisY, 0, 1, kPlotCurveColour,
                             "data value", "LUT level", 0);
-    char title[sizeof image->Title + 1];
-    Log("Display LUT of '%s'\n", TitleOf(image, title));
+    TitleBuffer title;
+    Log("Display LUT of '%s'\n", TitleText(image, title));
 }
 
 ImageHeaderType* DisplayHistogram()
 {
-    ImageHeaderType* image = CurrentItem;
-    if (!CurrentImage()) return nullptr;
+    ImageHeaderType* image = RequireReadableImage();
+    if (!image) return nullptr;
     int32_t bins[kLevels];
     CalcHistogram(image, bins);
     float x[kLevels], y[kLevels];
@@ -100,7 +84,7 @@ ImageHeaderType* DisplayHistogram()
     if (!item) return nullptr;
     CurrentItem = item;
     DisplayData();
-    char title[sizeof image->Title + 1];
-    Log("Display histogram of '%s'.\n", TitleOf(image, title));
+    TitleBuffer title;
+    Log("Display histogram of '%s'.\n", TitleText(image, title));
     return item;
 }

@@ -4,6 +4,7 @@
 // new table, cancel frees it.
 #include "image/contrast.h"
 #include "display/contrast_map.h"
+#include "display/current_image.h"
 #include "display/default_tables.h"
 #include "display/frame_commands.h"
 #include "display/full_display.h"
@@ -42,20 +43,12 @@ struct LutDialogue {
 };
 LutDialogue g_dialogue;
 
-bool IsImage(const ImageHeaderType* item)
-{
-    return item && CheckHeaderIsImageType(item) && item->PixData && item->nx > 0 && item->ny > 0;
-}
-
 // The start of a dialogue on the current item: it is put aside and a copy with an identity
 // table becomes current. False after the report.
 bool StartDialogue()
 {
-    ImageHeaderType* source = CurrentItem;
-    if (!IsImage(source)) {
-        Error(ERR_NO_IMAGES);
-        return false;
-    }
+    ImageHeaderType* source = RequireReadableImage();
+    if (!source) return false;
     ImageHeaderType* copy = CopyImageItem(source);
     if (!copy) return false;
     IdentityTable(copy->ImageLUT);
@@ -126,11 +119,8 @@ int ContrastMove(int state, const float* values, int count)
 
 int ThresholdMove(int state, const float* values, int count)
 {
-    const ImageHeaderType* image = CurrentItem;
-    if (!IsImage(image)) {
-        Error(ERR_NO_IMAGES);
-        return 1;
-    }
+    const ImageHeaderType* image = RequireReadableImage();
+    if (!image) return 1;
     const int low = ThresholdLevel(image, values[0]);
     const int high = ThresholdLevel(image, count >= 2 ? values[1] : values[0]);
     return AdjustThresholds(low, high, state);
@@ -159,11 +149,8 @@ bool LutDialogueRunning() { return g_dialogue.LutInProgress; }
 
 void AdjustLUT()
 {
-    ImageHeaderType* image = CurrentItem;
-    if (!IsImage(image)) {
-        Error(ERR_NO_IMAGES);
-        return;
-    }
+    const ImageHeaderType* image = RequireReadableImage();
+    if (!image) return;
     if (TrueRGB && FullDisplay(0) != 0) return;
     wint_ScrollBarParamType bars[3];
     SliderBar(&bars[0], "Brightness", -128.0f, 128.0f, image->Brightness, 1.0f, 10.0f);
@@ -179,8 +166,8 @@ int AdjustContrast(float brightness, float contrast, float gamma, int state)
     Preview(brightness, contrast, gamma, true);
     if (state != 1 && state != 2) return 0;
     ImageHeaderType* copy = g_dialogue.copy;
-    char title[sizeof copy->Title + 1] = {};
-    std::memcpy(title, g_dialogue.held->Title, sizeof copy->Title);
+    TitleBuffer title;
+    TitleText(g_dialogue.held, title);
     if (state == 1) {
         EndPreview();
         if (CurrentVFS) ClearFrameStore();
@@ -214,11 +201,8 @@ int ThresholdLevel(const ImageHeaderType* image, float value)
 
 void SetWindow()
 {
-    ImageHeaderType* image = CurrentItem;
-    if (!IsImage(image)) {
-        Error(ERR_NO_IMAGES);
-        return;
-    }
+    const ImageHeaderType* image = RequireReadableImage();
+    if (!image) return;
     const float lo = GetImageDataValue(1, 0.0f, image), hi = GetImageDataValue(1, 65535.0f, image);
     const float range = hi - lo;
     const char* unit = GetImageUnitStr(image, 0, 0);
@@ -236,11 +220,8 @@ int AdjustThresholds(int low, int high, int state)
 {
     if (high < low) high = low;
     if (!g_dialogue.LutInProgress) {
-        ImageHeaderType* image = CurrentItem;
-        if (!IsImage(image)) {
-            Error(ERR_NO_IMAGES);
-            return 1;
-        }
+        const ImageHeaderType* image = RequireReadableImage();
+        if (!image) return 1;
         if (!IsIdentityTable(image->ImageLUT)) {
             ShowInfo("Original LUT had been changed.\n Tavrin will make a new Image.");
             if (!TransformThroughLUT()) return 1;

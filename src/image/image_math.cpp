@@ -1,4 +1,5 @@
 #include "image/image_math.h"
+#include "display/current_image.h"
 #include "display/plot_spectrum.h"
 #include "display/render_histogram.h"
 #include "host/entry.h"
@@ -42,13 +43,6 @@ ImageCommand MathCommand(int code, const char* wait)
     c.code = code;
     c.refuseSpecial = false;
     return c;
-}
-
-const char* TitleText(const ImageHeaderType* item, char (&text)[sizeof(ImageHeaderType::Title) + 1])
-{
-    std::memcpy(text, item->Title, sizeof item->Title);
-    text[sizeof item->Title] = '\0';
-    return text;
 }
 
 uint16_t Clip(double v)
@@ -102,7 +96,7 @@ void SingleImageMath(int op)
     }
     const int64_t amount = op >= 7 ? AddAmount(op, c) : 0;
     command.code = op >= 7 ? (amount >= 0 ? kAddCode : kSubtractCode) : kSingleCodes[op - 1];
-    char title[sizeof source->Title + 1];
+    TitleBuffer title;
     TitleText(source, title);
     if (op == 1)
         Log("Invert '%s'\n", title);
@@ -159,8 +153,7 @@ void DoubleImageMath(int op)
     if (!source) return;
     const ImageHeaderType* second = SelectDataByHost(1, SELECT_SAME_SOURCE);
     // Only an image of the same size can be read point by point beside the current one.
-    if (!second || !CheckHeaderIsImageType(second) || !second->PixData || second->nx != source->nx ||
-        second->ny != source->ny)
+    if (!IsReadableImage(second) || second->nx != source->nx || second->ny != source->ny)
         return;
     ImageHeaderType* result = MakeCommandResult(command, source);
     if (!result) return;
@@ -171,7 +164,7 @@ void DoubleImageMath(int op)
     command.code = kDoubleCodes[op - 1];
     BeginCommandRows(command, source, result);
     MapRows(source, result, [op, second](uint16_t a, size_t i) { return CombineCodes(op, a, second->PixData[i]); });
-    char title[sizeof source->Title + 1], secondTitle[sizeof source->Title + 1];
+    TitleBuffer title, secondTitle;
     FinishImageCommand(command, result,
                        CommandLogText("%s '%s' with %s\n", GetProcessName(command.code - 1), TitleText(source, title),
                                       TitleText(second, secondTitle)));
@@ -222,7 +215,7 @@ void NormaliseImage()
     if (!result) return;
     BeginCommandRows(command, source, result);
     const CodeExtremes e = NormaliseCodes(result, source, true);
-    char title[sizeof source->Title + 1];
+    TitleBuffer title;
     FinishImageCommand(command, result,
                        CommandLogText("Normalise pixel range %u-%u. '%s'\n", e.min, e.max, TitleText(source, title)));
 }
@@ -320,6 +313,6 @@ void NormaliseSD()
     const uint16_t* table = work->table;
     MapRows(source, result, [table](uint16_t p, size_t) { return SDStretchCode(table, p); });
     efree(work);
-    char title[sizeof source->Title + 1];
+    TitleBuffer title;
     FinishImageCommand(command, result, CommandLogText("Normalise SD '%s'\n", TitleText(source, title)));
 }

@@ -1,6 +1,7 @@
 // The one-step commands on an image's table and on its codes through the table.
 #include "image/contrast.h"
 #include "display/contrast_map.h"
+#include "display/current_image.h"
 #include "display/render_histogram.h"
 #include "display/select_items.h"
 #include "display/vfs.h"
@@ -28,11 +29,6 @@ constexpr int kIntegerChars = 3;
 constexpr int kRealChars = 9;
 constexpr unsigned kErrNotColourImage = 33550;   // "Image is not colour image"
 constexpr uint16_t kFixedColourCodes = 35 * 256;
-
-bool IsImage(const ImageHeaderType* item)
-{
-    return item && CheckHeaderIsImageType(item) && item->PixData && item->nx > 0 && item->ny > 0;
-}
 
 size_t Codes(const ImageHeaderType* image) { return static_cast<size_t>(image->nx) * static_cast<size_t>(image->ny); }
 
@@ -94,10 +90,7 @@ ImageHeaderType* CopyImageItem(const ImageHeaderType* source)
 
 void MathLUT(int op)
 {
-    if (!IsImage(CurrentItem)) {
-        Error(ERR_NO_IMAGES);
-        return;
-    }
+    if (!RequireReadableImage()) return;
     const char* name = MathLUTName(op);
     if (!name) {
         ProgramError("MathLUT %d", op);
@@ -169,11 +162,8 @@ ImageHeaderType* TransformThroughLUT()
 
 ImageHeaderType* RemoveLUTColours()
 {
-    const ImageHeaderType* image = CurrentItem;
-    if (!IsImage(image)) {
-        Error(ERR_NO_IMAGES);
-        return nullptr;
-    }
+    const ImageHeaderType* image = RequireReadableImage();
+    if (!image) return nullptr;
     if (!image->ColourImage) {
         Error(kErrNotColourImage);
         return nullptr;
