@@ -779,3 +779,24 @@ TEST_F(ContrastTest, ExtractAndReplaceAreCodes87And88OfTheHistory)
     EXPECT_STREQ(GetProcessName(47 - 1), "Window");
     EXPECT_STREQ(GetProcessName(103 - 1), "Transform Data");
 }
+
+TEST_F(ContrastTest, AWorkingCopyErasedMeanwhileEndsTheDialogueAndTheNextMoveStartsAfresh)
+{
+    ImageHeaderType* source = AddScan();
+    const auto redBefore = OutputPlane(0);
+    dl_AdjustLUT();
+    dl_Horz_Scroll_Bar3_Callback(500, 0, 50.0f, 250.0f, 1.0f);
+    ImageHeaderType* copy = CurrentItem;
+    ASSERT_EQ(copy, source->Next);
+    EraseItem(copy);
+    CurrentItem = source;
+    EXPECT_EQ(dl_Horz_Scroll_Bar3_Callback(500, 1, 5.0f, 128.0f, 1.0f), 0);
+    ASSERT_EQ(CountItems(), 2);
+    ImageHeaderType* made = CurrentItem;
+    ASSERT_EQ(made, source->Next);
+    uint8_t direct[256];
+    PlainContrastTable(5.0, 128.0, 1.0, direct);
+    EXPECT_EQ(Table(made), std::vector<uint8_t>(direct, direct + 256));
+    EXPECT_EQ(OutputPlane(0), redBefore);
+    EXPECT_FALSE(LutDialogueRunning());
+}

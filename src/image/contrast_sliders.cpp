@@ -112,6 +112,15 @@ void Cancel()
 
 void CloseDialogue() { g_dialogue = LutDialogue{}; }
 
+// A dialogue whose working copy has left the list meanwhile (erased by another command) is
+// over: the palette goes back, and the next move starts afresh.
+void DropLostDialogue()
+{
+    if (!g_dialogue.LutInProgress || IsInList(g_dialogue.copy)) return;
+    EndPreview();
+    CloseDialogue();
+}
+
 int ContrastMove(int state, const float* values, int count)
 {
     return AdjustContrast(values[0], values[1], count >= 3 ? values[2] : 1.0f, state);
@@ -162,12 +171,13 @@ void AdjustLUT()
 
 int AdjustContrast(float brightness, float contrast, float gamma, int state)
 {
+    DropLostDialogue();
     if (!g_dialogue.LutInProgress && !StartDialogue()) return 1;
     Preview(brightness, contrast, gamma, true);
     if (state != 1 && state != 2) return 0;
     ImageHeaderType* copy = g_dialogue.copy;
     TitleBuffer title;
-    TitleText(g_dialogue.held, title);
+    TitleText(copy, title);
     if (state == 1) {
         EndPreview();
         if (CurrentVFS) ClearFrameStore();
@@ -219,6 +229,7 @@ void SetWindow()
 int AdjustThresholds(int low, int high, int state)
 {
     if (high < low) high = low;
+    DropLostDialogue();
     if (!g_dialogue.LutInProgress) {
         const ImageHeaderType* image = RequireReadableImage();
         if (!image) return 1;
@@ -237,7 +248,6 @@ int AdjustThresholds(int low, int high, int state)
         return 0;
     }
     ImageHeaderType* copy = g_dialogue.copy;
-    const ImageHeaderType* source = g_dialogue.held;
     EndPreview();
     if (CurrentVFS) ClearFrameStore();
     ThresholdBandTable(low, high, copy->ImageLUT);
@@ -249,9 +259,11 @@ int AdjustThresholds(int low, int high, int state)
     if (AskYesNo("Transform underlying image data?", false) == 1) {
         // The codes take the stretch the table showed; the table goes back to the identity, so
         // that the picture stays the one the user accepted.
+        // The Z range follows the header as it was before the change.
+        const ImageHeaderType before = *copy;
         const size_t n = static_cast<size_t>(copy->nx) * static_cast<size_t>(copy->ny);
         for (size_t i = 0; i < n; ++i) copy->PixData[i] = ThresholdCode(copy->PixData[i], low, high);
-        SetZRangeFromCodes(copy, source, low * 256, high * 256);
+        SetZRangeFromCodes(copy, &before, low * 256, high * 256);
         IdentityTable(copy->ImageLUT);
         DisplayData();
     }
