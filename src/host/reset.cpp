@@ -8,6 +8,7 @@
 #include "display/selection.h"
 #include "display/vfs.h"
 #include "image/filter_kernels.h"
+#include "image/contrast.h"
 #include "image/geometry.h"
 #include "image/subt_back.h"
 #include "host/ap_callbacks.h"
@@ -29,6 +30,7 @@
 void ResetProcessState()
 {
     ResetGeometryState();
+    ResetContrastState();
     ResetSubtBackState();
     ResetFilterKernels();
     ResetSelectionState();

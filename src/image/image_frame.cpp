@@ -73,7 +73,7 @@ void FinishImageCommand(const ImageCommand& command, ImageHeaderType* result, co
     FinishRowDisplay(result->nx, result->ny);
     RegisterImageRegion(result);
     EndRowDisplay();
-    Log("%s", logText);
+    if (logText) Log("%s", logText);
     if (command.registerTwice)
         RegisterImageRegion(result);
     else

@@ -48,7 +48,7 @@ ImageHeaderType* CheckImageCommand(const ImageCommand& command);
 ImageHeaderType* MakeCommandResult(const ImageCommand& command, ImageHeaderType* source);
 // Steps 5 and 6.
 void BeginCommandRows(const ImageCommand& command, const ImageHeaderType* source, const ImageHeaderType* result);
-// Steps 8 and 9 with the log text already formatted.
+// Steps 8 and 9 with the log text already formatted (null: the command logged earlier).
 void FinishImageCommand(const ImageCommand& command, ImageHeaderType* result, const char* logText);
 // The log text of a command: `format` with the result's title as its first argument.
 const char* CommandLogText(const char* format, ...) __attribute__((format(printf, 1, 2)));

@@ -20,6 +20,11 @@ int CommandFilter(const Args& args);
 int CommandLevel(const Args& args);
 int CommandPlot(const Args& args);
 int CommandSpec(const Args& args);
+int CommandLut(const Args& args);
+int CommandHistogram(const Args& args);
+int CommandMath(const Args& args);
+int CommandMath2(const Args& args);
+int CommandNormalise(const Args& args);
 
 // The script's forms of the kernel table entry points: the kernel as a text "v1,v2,...".
 void ScriptGet3x3KernelParam(int16_t index, char* text);

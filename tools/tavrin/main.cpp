@@ -26,6 +26,11 @@ const std::map<std::string, Command>& CommandTable()
         {"level", {CommandLevel}},
         {"plot", {CommandPlot}},
         {"spec", {CommandSpec}},
+        {"lut", {CommandLut}},
+        {"histogram", {CommandHistogram}},
+        {"math", {CommandMath}},
+        {"math2", {CommandMath2}},
+        {"normalise", {CommandNormalise}},
     };
     return table;
 }
@@ -99,6 +104,23 @@ void PrintUsage(FILE* out)
         "                          multiply, 3 divide by C, 4 ln, 5 negate, 6 abs, 7 1/v, 8\n"
         "                          sort; --with: 1 add, 2 subtract, 3 |a-b|, 4 product, 5\n"
         "                          divide, 6 average\n"
+        "  lut IN OUT --contrast B,C,G | --threshold LO,HI [--transform] | --equalise\n"
+        "        | --linearise | --op NAME[:K]\n"
+        "                          one command on the image's level table, the result saved as\n"
+        "                          OUT (.tif, or .png for its picture); B -128 to 128, C 0 to\n"
+        "                          256, G 0.1 to 10; LO, HI in the image's unit (--transform:\n"
+        "                          the codes too); NAME: invert reverse add:K and:K or:K xor:K\n"
+        "                          mul:F div:F\n"
+        "  math IN OUT --op NAME[:C]\n"
+        "                          arithmetic on the codes; NAME: invert mul:F div:F and:C or:C\n"
+        "                          xor:C add:C sub:C\n"
+        "  math2 A B OUT --op NAME two images of one size and source point by point; NAME: add\n"
+        "                          sub diff mul div and or xor min max\n"
+        "  normalise IN OUT [--sd R]\n"
+        "                          stretch the code range to full scale, or R s.d. about the\n"
+        "                          mean over the levels\n"
+        "  histogram IN -o OUT.png|OUT.dat\n"
+        "                          the level histogram of the image as a plot or a table\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"
