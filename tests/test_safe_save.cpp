@@ -535,3 +535,48 @@ TEST_F(SafeSaveTest, ASaveOfALargeImageKilledAtAnyMomentLeavesTheOldOrTheNewFile
     EXPECT_EQ(FileBytes(target), bytes[1 - holds]);
     EXPECT_EQ(NamesIn(data), std::set<std::string>{"big.tif"});
 }
+
+TEST_F(SafeSaveTest, ProcessesSavingOneNameAtOnceTakeTurns)
+{
+    // Four processes save their own image under one name, again and again: whatever the
+    // order, the file is always one image whole, and no temporary file is left.
+    constexpr int kProcesses = 4, kSaves = 15;
+    std::vector<ImageHeaderType*> images;
+    std::set<std::string> wholeFiles;
+    for (int p = 0; p < kProcesses; ++p) {
+        images.push_back(tifftest::MakeImage(96, "Turn", static_cast<uint32_t>(100 + p)));
+        ASSERT_NE(images.back(), nullptr);
+        ASSERT_EQ(saveTiffImage(images.back(), Path("ref.tif").c_str(), 0), 0);
+        wholeFiles.insert(FileBytes(Path("ref.tif")));
+    }
+    ASSERT_EQ(wholeFiles.size(), static_cast<size_t>(kProcesses));
+    fs::remove(Path("ref.tif"));
+    const std::string target = Path("turns.tif");
+    for (int p = 0; p < kProcesses; ++p) {
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            int failures = 0;
+            for (int i = 0; i < kSaves; ++i) failures += saveTiffImage(images[p], target.c_str(), 0);
+            ::_exit(failures);
+        }
+    }
+    // Meanwhile this process reads the name again and again: always a whole file (or none yet).
+    int reads = 0, running = kProcesses;
+    while (running > 0) {
+        const std::string now = FileBytes(target);
+        if (!now.empty()) {
+            EXPECT_EQ(wholeFiles.count(now), 1u) << "read " << reads;
+            ++reads;
+        }
+        int status = 0;
+        const pid_t ended = ::waitpid(-1, &status, WNOHANG);
+        if (ended > 0) {
+            --running;
+            EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        }
+    }
+    std::printf("[ turns ] %d reads during %d saves, every one a whole file\n", reads, kProcesses * kSaves);
+    EXPECT_EQ(wholeFiles.count(FileBytes(target)), 1u);
+    EXPECT_EQ(NamesIn(data), std::set<std::string>{"turns.tif"});
+}

@@ -5,6 +5,7 @@
 #include "files/tiff_write.h"
 #include "host/log.h"
 #include "platform/file_lock.h"
+#include "platform/files.h"
 #include "platform/settings_store.h"
 #include "test_tiff_support.h"
 
@@ -219,4 +220,31 @@ TEST_F(SharedHomeTest, SettingsChangesOfManyProcessesAtOnceAreAllKept)
         }
     }
     EXPECT_TRUE(fs::exists(SettingsLockFileName()));
+}
+
+TEST_F(SharedHomeTest, ChangesGatheredForOneFileAreWrittenOnceUnderTheLock)
+{
+    const std::string file = home + "INIT/gathered.ini";
+    const std::string other = home + "INIT/other.ini";
+    ProfileWriteString("S", "kept", "1", file);
+    const long long before = FileWriteCallsForTests();
+    ProfileBeginChanges(file);
+    EXPECT_TRUE(ProfileWriteString("S", "a", "2", file));
+    EXPECT_TRUE(ProfileWriteString("S", "b", "3", file));
+    char value[8];
+    EXPECT_EQ(ProfileGetString("S", "a", "", value, sizeof value, file), 1u);   // the copy is read
+    EXPECT_STREQ(value, "2");
+    EXPECT_FALSE(ReadFileBytes(file).find("a=2") != std::string::npos);       // not yet written
+    // While the lock is held here, another process waits for it...
+    FileLock stranger;
+    ASSERT_TRUE(OpenLockFile(&stranger, SettingsLockFileName()));
+    EXPECT_FALSE(TakeFileLock(&stranger, LockKind::Exclusive, false));
+    // ...but a write of this process to another file goes straight through.
+    EXPECT_TRUE(ProfileWriteString("T", "x", "4", other));
+    EXPECT_TRUE(ProfileEndChanges());
+    EXPECT_TRUE(TakeFileLock(&stranger, LockKind::Exclusive, false));
+    CloseLockFile(&stranger);
+    EXPECT_EQ(FileWriteCallsForTests() - before, 2);   // one write of each file
+    EXPECT_EQ(ReadFileBytes(file), "[S]\r\nkept=1\r\na=2\r\nb=3\r\n");
+    EXPECT_EQ(ReadFileBytes(other), "[T]\r\nx=4\r\n");
 }
