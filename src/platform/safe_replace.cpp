@@ -2,6 +2,7 @@
 #include "platform/paths.h"
 
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdlib>
 #include <fcntl.h>
@@ -13,6 +14,16 @@ namespace {
 
 bool g_sync = true;
 ReplaceFault g_fault = ReplaceFault::None;
+double g_syncSeconds = 0;
+
+// fsync, its time counted.
+int TimedSync(int fd)
+{
+    const auto start = std::chrono::steady_clock::now();
+    const int result = ::fsync(fd);
+    g_syncSeconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return result;
+}
 
 constexpr const char kTemporaryEnd[] = ".tavrin-save";
 constexpr size_t kNameMax = 255;   // bytes of one name in a directory
@@ -99,7 +110,7 @@ void SyncDirectory(const std::string& target)
 {
     const int fd = ::open(DirectoryOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0) return;
-    ::fsync(fd);   // some file systems cannot sync a directory; the rename has happened anyway
+    TimedSync(fd);   // some file systems cannot sync a directory; the rename has happened anyway
     ::close(fd);
 }
 
@@ -173,7 +184,7 @@ ReplaceOutcome FileReplaceCommit(FileReplace* save)
         errno = ENOSPC;
         synced = -1;
     } else if (g_sync) {
-        synced = ::fsync(save->file);
+        synced = TimedSync(save->file);
     }
     if (synced != 0) {
         DropTemporary(save);
@@ -220,4 +231,5 @@ ReplaceOutcome FileReplaceWithBytes(const std::string& path, const void* data, s
 }
 
 void SetFileReplaceSync(bool on) { g_sync = on; }
+double FileReplaceSyncSeconds() { return g_syncSeconds; }
 void SetFileReplaceFaultForTests(ReplaceFault fault) { g_fault = fault; }

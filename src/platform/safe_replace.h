@@ -60,9 +60,11 @@ void FileReplaceAbandon(FileReplace* save);
 // The whole of a file from memory, begin to commit. A short write is DiskFull.
 ReplaceOutcome FileReplaceWithBytes(const std::string& path, const void* data, size_t size);
 
-// Whether a save flushes its file to the disk before the rename: on by default. The benchmark
-// switches it off to time the rest of a save apart from the flush.
+// Whether a save flushes its file to the disk before the rename: on by default.
 void SetFileReplaceSync(bool on);
+// Seconds spent flushing files and directories to the disk by saves so far, so that the
+// benchmark can time a save apart from its flush.
+double FileReplaceSyncSeconds();
 
 // For tests: make the next commits fail at the flush (as a disk that fills up when the data
 // reach it: ENOSPC) or at the rename (EIO), until switched back to None.
