@@ -466,7 +466,7 @@ TEST_F(SafeSaveTest, AFileSizeLimitBelowTheFileKeepsTheOldImageAndSpectrum)
 
 TEST_F(SafeSaveTest, ASaveOfALargeImageKilledAtAnyMomentLeavesTheOldOrTheNewFile)
 {
-    // Two 4096 by 4096 images of the same size; each round saves the one the file does not
+    // Two 4096 by 4096 images of the same size; each round saves over a file the one it does not
     // hold, and a kill at a random moment of that save must leave one or the other, whole.
     ImageHeaderType* first = tifftest::MakeImage(4096, "First", 11);
     ASSERT_NE(first, nullptr);
@@ -484,56 +484,72 @@ TEST_F(SafeSaveTest, ASaveOfALargeImageKilledAtAnyMomentLeavesTheOldOrTheNewFile
     ASSERT_EQ(bytes[0].size(), bytes[1].size());
     ASSERT_NE(bytes[0], bytes[1]);
     fs::remove(Path("ref.tif"));
-    const std::string target = Path("big.tif");
-    ASSERT_EQ(saveTiffImage(first, target.c_str(), 0), 0);
-    int holds = 0;   // which image the file holds
+    // Two files, saved and killed side by side, to keep the test short: ten rounds of two.
+    constexpr int kFiles = 2;
+    const std::string targets[kFiles] = {Path("big0.tif"), Path("big1.tif")};
+    int holds[kFiles] = {0, 0};   // which image each file holds
+    for (const std::string& target : targets) ASSERT_EQ(saveTiffImage(first, target.c_str(), 0), 0);
 
     constexpr int kKills = 20;
     const unsigned seed = 28;
     std::mt19937 random(seed);
     std::uniform_real_distribution<double> moment(0.0, 1.2 * saveSeconds);
     int keptOld = 0, tookNew = 0;
-    for (int round = 0; round < kKills; ++round) {
-        const int saving = 1 - holds;
-        int ready[2];
-        ASSERT_EQ(::pipe(ready), 0);
-        const pid_t child = ::fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
+    for (int round = 0; round < kKills / kFiles; ++round) {
+        pid_t children[kFiles];
+        double killAt[kFiles];
+        for (int f = 0; f < kFiles; ++f) {
+            int ready[2];
+            ASSERT_EQ(::pipe(ready), 0);
+            children[f] = ::fork();
+            ASSERT_GE(children[f], 0);
+            if (children[f] == 0) {
+                ::close(ready[0]);
+                if (::write(ready[1], "s", 1) != 1) ::_exit(2);
+                ::_exit(saveTiffImage(images[1 - holds[f]], targets[f].c_str(), 0));
+            }
+            ::close(ready[1]);
+            char started;
+            ASSERT_EQ(::read(ready[0], &started, 1), 1);
             ::close(ready[0]);
-            if (::write(ready[1], "s", 1) != 1) ::_exit(2);
-            ::_exit(saveTiffImage(images[saving], target.c_str(), 0));
+            killAt[f] = moment(random);
         }
-        ::close(ready[1]);
-        char signal_byte;
-        ASSERT_EQ(::read(ready[0], &signal_byte, 1), 1);
-        ::close(ready[0]);
-        std::this_thread::sleep_for(std::chrono::duration<double>(moment(random)));
-        ::kill(child, SIGKILL);
-        int status = 0;
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-
-        const std::string now = FileBytes(target);
-        const bool isOld = now == bytes[holds];
-        const bool isNew = !isOld && now == bytes[saving];
-        EXPECT_TRUE(isOld || isNew) << "round " << round << ": a file of " << now.size() << " bytes, neither";
-        if (isNew) {
-            ++tookNew;
-            holds = saving;
-        } else if (isOld) {
-            ++keptOld;
+        // Each child is killed at its own moment, counted from its start.
+        const auto start = std::chrono::steady_clock::now();
+        const int firstKilled = killAt[0] <= killAt[1] ? 0 : 1;
+        for (int f : {firstKilled, 1 - firstKilled}) {
+            std::this_thread::sleep_until(start + std::chrono::duration<double>(killAt[f]));
+            ::kill(children[f], SIGKILL);
         }
-        EXPECT_LE(TemporaryFilesIn(data), 1) << "round " << round;
+        for (int f = 0; f < kFiles; ++f) {
+            int status = 0;
+            ASSERT_EQ(::waitpid(children[f], &status, 0), children[f]);
+            const int saving = 1 - holds[f];
+            const std::string now = FileBytes(targets[f]);
+            const bool isOld = now == bytes[holds[f]];
+            const bool isNew = !isOld && now == bytes[saving];
+            EXPECT_TRUE(isOld || isNew) << "round " << round << ", file " << f << ": " << now.size()
+                                        << " bytes, neither the old file nor the new one";
+            if (isNew) {
+                ++tookNew;
+                holds[f] = saving;
+            } else if (isOld) {
+                ++keptOld;
+            }
+        }
+        EXPECT_LE(TemporaryFilesIn(data), kFiles) << "round " << round;   // one a name at most
     }
     std::printf("[ kill test ] %d saves of a 4096 x 4096 image killed at random moments within %.0f ms "
                 "(seed %u): %d left the old file, %d the new one, none anything else\n",
                 kKills, 1200 * saveSeconds, seed, keptOld, tookNew);
     EXPECT_EQ(keptOld + tookNew, kKills);
 
-    // The next save of the name clears whatever temporary file a kill left.
-    ASSERT_EQ(saveTiffImage(images[1 - holds], target.c_str(), 0), 0);
-    EXPECT_EQ(FileBytes(target), bytes[1 - holds]);
-    EXPECT_EQ(NamesIn(data), std::set<std::string>{"big.tif"});
+    // The next save of a name clears whatever temporary file a kill left.
+    for (int f = 0; f < kFiles; ++f) {
+        ASSERT_EQ(saveTiffImage(images[1 - holds[f]], targets[f].c_str(), 0), 0);
+        EXPECT_EQ(FileBytes(targets[f]), bytes[1 - holds[f]]);
+    }
+    EXPECT_EQ(NamesIn(data), (std::set<std::string>{"big0.tif", "big1.tif"}));
 }
 
 TEST_F(SafeSaveTest, ProcessesSavingOneNameAtOnceTakeTurns)
