@@ -206,14 +206,16 @@ TEST_F(ColourFileTest, AFailedWriteIsReported)
     EXPECT_EQ(LastBoxText(), "Error occurred on writing to output device");
 }
 
-TEST_F(ColourFileTest, AShortWriteIsDiskFullAndTheFileIsLeftAsItIs)
+TEST_F(ColourFileTest, AShortWriteIsDiskFullAndTheOldFileIsLeftAsItIs)
 {
     SetFileWriteLimitForTests(100);
     EXPECT_EQ(SaveLUT(Path("part.lut").c_str()), 1);
     EXPECT_EQ(LastBoxText(), "Not enough disk space");
-    std::string saved = ReadFileBytes(Path("part.lut"));
-    EXPECT_EQ(saved.size(), 100u);
-    EXPECT_EQ(static_cast<uint8_t>(saved[0]), 255);   // red of fixed colour 0
+    EXPECT_FALSE(std::filesystem::exists(Path("part.lut")));   // no half-written table
+    const std::string old = CountingBytes(768);
+    WriteFileBytes(Path("old.lut"), old);
+    EXPECT_EQ(SaveLUT(Path("old.lut").c_str()), 1);
+    EXPECT_EQ(ReadFileBytes(Path("old.lut")), old);
 }
 
 // A path of exactly `length` characters inside the data directory, its folders made.

@@ -3,6 +3,7 @@
 #include "host/trace.h"
 #include "settings/configuration.h"
 #include "settings/settings_upgrade.h"
+#include "settings/user_settings.h"
 
 TAVRIN_API void dl_StoreConfigurationToDisk(void)
 {
@@ -20,4 +21,17 @@ TAVRIN_API int32_t dl_UpgradeINIfilesFromOldSoftwareVersion(void)
 {
     TraceEntry("dl_UpgradeINIfilesFromOldSoftwareVersion");
     return UpgradeINIfilesFromOldSoftwareVersion();
+}
+
+TAVRIN_API int32_t dl_LoadSettingString(const char* key, char* buffer, int32_t size, const char* defaultValue)
+{
+    TraceEntry("dl_LoadSettingString");
+    if (!buffer || size <= 0) return -1;
+    return LoadSettingString(key, buffer, static_cast<size_t>(size), defaultValue);
+}
+
+TAVRIN_API int32_t dl_SaveSettingString(const char* key, const char* value)
+{
+    TraceEntry("dl_SaveSettingString");
+    return key && SaveSettingString(key, value) ? 1 : 0;
 }

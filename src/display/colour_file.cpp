@@ -3,6 +3,7 @@
 #include "display/lut.h"
 #include "display/palette.h"
 #include "host/errors.h"
+#include "host/save_outcome.h"
 #include "platform/files.h"
 #include "store/data_list.h"
 
@@ -64,22 +65,16 @@ int SaveLUT(const char* path)
     GetColourTable(table, planes[0], planes[1], planes[2]);
     uint8_t bytes[kColourFileBytes];
     for (int p = 0; p < 3; ++p) PlaneToBytes(planes[p], bytes + p * kLUTEntries);
-    FileHandle file = PathIsUsable(path) ? FileCreate(path) : kInvalidFile;
+    FileReplace save;
+    const FileHandle file = PathIsUsable(path) ? FileReplaceBegin(&save, path) : kInvalidFile;
     if (file == kInvalidFile) {
         Error(ERR_OPEN_FILE2);
         return 1;
     }
-    long long put = FileWrite(file, bytes, sizeof bytes);
-    if (put != kColourFileBytes) {
-        Error(put < 0 ? ERR_WRITING2 : ERR_DISK_FULL);
-        FileClose(file);
-        return 1;
-    }
-    if (FileClose(file) != 0) {
-        Error(ERR_CLOSING_FILE2);
-        return 1;
-    }
-    return 0;
+    const long long put = FileWrite(file, bytes, sizeof bytes);
+    const bool written = put == kColourFileBytes;
+    if (!written) Error(put < 0 ? ERR_WRITING2 : ERR_DISK_FULL);
+    return FinishSave(&save, written, ERR_CLOSING_FILE2) ? 0 : 1;
 }
 
 void ColourOpen(const char* path)

@@ -1,6 +1,7 @@
 #include "files/save_window.h"
 #include "files/save_commands.h"
 #include "host/errors.h"
+#include "host/save_outcome.h"
 #include "platform/files.h"
 #include "store/data_list.h"
 #include "store/image_header.h"
@@ -13,13 +14,15 @@ void WriteBitmap(const char* path, const void* bitmap)
 {
     uint32_t length = 0;
     std::memcpy(&length, bitmap, sizeof length);
-    const FileHandle file = FileCreate(path);
+    FileReplace save;
+    const FileHandle file = FileReplaceBegin(&save, path);
     if (file == kInvalidFile) {
         Error(ERR_OPEN_FILE);
         return;
     }
     const bool written = FileWrite(file, bitmap, length) == static_cast<long long>(length);
-    if (FileClose(file) != 0 || !written) Error(ERR_WRITING);
+    if (!written) Error(ERR_WRITING);
+    FinishSave(&save, written, ERR_WRITING);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "host/errors.h"
 #include "host/globals.h"
 #include "host/log.h"
+#include "host/save_outcome.h"
 #include "host/text.h"
 #include "host/wait.h"
 #include "platform/clock.h"
@@ -215,7 +216,8 @@ int SaveSpecFile(ImageHeaderType* record, const char* path)
     }
     ap_SetHourGlass(true);
     bool ok = false;
-    const FileHandle file = FileCreate(path);
+    FileReplace save;
+    const FileHandle file = FileReplaceBegin(&save, path);
     if (file == kInvalidFile) {
         Error(ERR_OPEN_FILE2);
     } else {
@@ -224,11 +226,7 @@ int SaveSpecFile(ImageHeaderType* record, const char* path)
         const LocalTime now = GetLocalTime();
         record->SavedTime = ToDosTime(now);
         record->SavedDate = ToDosDate(now);
-        ok = WriteSpec(file, record) == 0;
-        if (FileClose(file) != 0) {
-            Error(ERR_CLOSING_FILE2);
-            ok = false;
-        }
+        ok = FinishSave(&save, WriteSpec(file, record) == 0, ERR_CLOSING_FILE2);
     }
     ap_SetHourGlass(false);
     if (ok) {
@@ -249,15 +247,15 @@ int SaveSpecData(const ImageHeaderType* record, const char* path)
         ProgramError("SaveSpecData");
         return 1;
     }
-    const FileHandle file = FileCreate(path);
+    FileReplace save;
+    const FileHandle file = FileReplaceBegin(&save, path);
     if (file == kInvalidFile) {
         Error(ERR_OPEN_FILE);
         return 1;
     }
-    bool ok = WriteTable(file, record);
-    if (FileClose(file) != 0) ok = false;
-    if (!ok) Error(ERR_WRITING);
-    return ok ? 0 : 1;
+    const bool written = WriteTable(file, record);
+    if (!written) Error(ERR_WRITING);
+    return FinishSave(&save, written, ERR_WRITING) ? 0 : 1;
 }
 
 SpecExportParam GetSpecExportParam() { return g_export; }

@@ -5,6 +5,7 @@
 #include "host/errors.h"
 #include "host/log.h"
 #include "host/prompts.h"
+#include "host/save_outcome.h"
 #include "host/wait.h"
 #include "platform/clock.h"
 #include "platform/files.h"
@@ -104,15 +105,12 @@ int saveTiffImage(ImageHeaderType* record, const char* path, int bitno)
     if (!row) {
         Error(ERR_NO_MEMORY);
     } else {
-        const FileHandle file = FileCreate(path);
+        FileReplace save;
+        const FileHandle file = FileReplaceBegin(&save, path);
         if (file == kInvalidFile) {
             Error(ERR_OPEN_FILE2);
         } else {
-            ok = WriteImage(file, record, bitno, row);
-            if (FileClose(file) != 0) {
-                Error(ERR_CLOSING_FILE2);
-                ok = false;
-            }
+            ok = FinishSave(&save, WriteImage(file, record, bitno, row), ERR_CLOSING_FILE2);
         }
     }
     ap_SetHourGlass(false);

@@ -3,6 +3,7 @@
 #include "host/revision.h"
 #include "host/text.h"
 #include "platform/clock.h"
+#include "platform/file_lock.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/sync.h"
@@ -19,6 +20,30 @@ void* g_observerContext = nullptr;
 
 constexpr unsigned kLogMutexWaitMs = 1000;
 
+// This process's share of the log, held from dl_InitLogFileName until the process ends.
+FileLock g_hold;
+
+// Writes the pieces of one line: each is cut to the 512-byte buffer and shown to the observer,
+// and all of them go to the file, every LF turned into CR LF, in one append. Since a line is one
+// write on a descriptor opened for appending, the lines of processes that share the log never
+// mix; and since the file is opened for each line, the log survives a crash of the host.
+void AppendToLog(const char* const* pieces, size_t count)
+{
+    std::string out;
+    out.reserve(count * 520);
+    for (size_t i = 0; i < count; ++i) {
+        char buffer[512];
+        std::snprintf(buffer, sizeof buffer, "%s", pieces[i]);
+        if (g_observer) g_observer(buffer, g_observerContext);
+        for (const char* p = buffer; *p; ++p) {
+            if (*p == '\n') out += '\r';
+            out += *p;
+        }
+    }
+    if (g_logFileName.empty()) return;
+    FileAppend(g_logFileName, out.data(), out.size());   // a log that cannot be opened is skipped
+}
+
 } // namespace
 
 void VLog2Disk(const char* format, va_list args)
@@ -32,8 +57,8 @@ void VLog2Disk(const char* format, va_list args)
         std::snprintf(prefix, sizeof prefix, "%02d:%02d:%02d.%03d>  ", t.hour, t.minute, t.second, t.milliseconds);
     char text[512];
     FormatInto(text, sizeof text, format, args);
-    WriteLogText(prefix);
-    WriteLogText(text);
+    const char* pieces[] = {prefix, text};
+    AppendToLog(pieces, 2);
 }
 
 void Log2Disk(const char* format, ...)
@@ -52,10 +77,25 @@ std::string DefaultLogFileName()
     return name;
 }
 
+std::string LogLockFileName(const std::string& logFile) { return logFile + ".lock"; }
+
 void InitLogFileName()
 {
+    CloseLockFile(&g_hold);
     g_logFileName = DefaultLogFileName();
-    RemoveFile(g_logFileName);
+    if (!OpenLockFile(&g_hold, LogLockFileName(g_logFileName))) {
+        RemoveFile(g_logFileName);   // no lock to be had: nobody can be sharing this log
+        return;
+    }
+    if (TakeFileLock(&g_hold, LockKind::Exclusive, false)) {
+        // Nobody else holds the log: this run starts it afresh, then shares it.
+        RemoveFile(g_logFileName);
+        TakeFileLock(&g_hold, LockKind::Shared, true);
+    } else {
+        // Another process writes to it: append. (This waits only while a process that is
+        // starting alone clears the log.)
+        TakeFileLock(&g_hold, LockKind::Shared, true);
+    }
 }
 
 const std::string& LogFileName() { return g_logFileName; }
@@ -81,24 +121,8 @@ void SetLogObserver(LogObserver observer, void* context)
 void WriteLogText(const char* text)
 {
     if (!text) return;
-    char buffer[512];
-    std::snprintf(buffer, sizeof buffer, "%s", text);
-    if (g_observer) g_observer(buffer, g_observerContext);
-    if (g_logFileName.empty()) return;
-    FileHandle f = FileOpen(g_logFileName, FileMode::Write);
-    if (f == kInvalidFile) {
-        f = FileCreate(g_logFileName);
-        if (f == kInvalidFile) return;   // a log that cannot be opened is silently skipped
-    }
-    FileSeek(f, 0, FileOrigin::End);
-    std::string out;
-    out.reserve(sizeof buffer + 16);
-    for (const char* p = buffer; *p; ++p) {
-        if (*p == '\n') out += '\r';
-        out += *p;
-    }
-    FileWrite(f, out.data(), out.size());
-    FileClose(f);
+    const char* pieces[] = {text};
+    AppendToLog(pieces, 1);
 }
 
 void VLog(const char* format, va_list args)
@@ -130,6 +154,7 @@ void LogRaw(const char* format, ...)
 
 void ResetLogState()
 {
+    CloseLockFile(&g_hold);
     CloseLogMutex();
     g_logFileName.clear();
 }

@@ -1,5 +1,6 @@
 // The command log: one text file, one time-stamped line per event, reopened for each line so
-// that it survives a crash of the host. Lines end in CR LF.
+// that it survives a crash of the host. Lines end in CR LF. Each line is one append, so the
+// lines of processes sharing the log never mix.
 #pragma once
 
 #include <cstdarg>
@@ -11,7 +12,8 @@ void Log(const char* format, ...) __attribute__((format(printf, 1, 2)));
 void VLog(const char* format, va_list args);
 // Text only, no time stamp, no mutex.
 void LogRaw(const char* format, ...) __attribute__((format(printf, 1, 2)));
-// The raw writer: opens the log, appends the text with each LF turned into CR LF, closes.
+// The raw writer: opens the log, appends the text with each LF turned into CR LF in one write,
+// closes.
 void WriteLogText(const char* text);
 
 // The name of the log file; set by dl_InitLogFileName.
@@ -35,5 +37,9 @@ void VLog2Disk(const char* format, va_list args);
 
 // "<home>TavrinProc310.log": the log of this revision.
 std::string DefaultLogFileName();
-// Sets the log file name to the default and deletes that file.
+// Sets the log file name to the default. Several processes may share one log: each holds a
+// shared lock on the log's lock file from here until it ends. A process that finds nobody else
+// holding it deletes the log and so starts it afresh; one that starts while others run appends.
 void InitLogFileName();
+// The lock file of a log: its name with ".lock".
+std::string LogLockFileName(const std::string& logFile);

@@ -22,6 +22,8 @@
 #include "platform/files.h"
 #include "platform/locale.h"
 #include "platform/platform_table.h"
+#include "platform/safe_replace.h"
+#include "platform/settings_store.h"
 #include "settings/cantilever.h"
 #include "spectro/spectro.h"
 #include "store/data_list.h"
@@ -51,6 +53,10 @@ void ResetProcessState()
     SetLocaleNameForTests(nullptr);
     SetFileWriteLimitForTests(-1);
     SetFileReadFailureForTests(false);
+    SetFileWriteFailureAtCallForTests(-1);
+    SetFileReplaceFaultForTests(ReplaceFault::None);
+    SetFileReplaceSync(true);
+    ResetProfileChanges();
     ResetTiffFileState();
     ResetFileCommandState();
     ResetCantileverState();

@@ -11,6 +11,8 @@ namespace {
 
 long long g_writeLimit = -1;   // bytes still allowed, -1 no limit
 bool g_readFails = false;
+long long g_failingCall = -1;  // FileWrite calls still to pass before all fail, -1 none
+long long g_writeCalls = 0;
 
 // Moves `count` bytes as pieces of at most kFileChunkBytes, stopping at the first piece that
 // falls short. The pieces go to the system in one vectored call per batch, which keeps the
@@ -65,6 +67,9 @@ long long FileRead(FileHandle file, void* buffer, size_t count)
 long long FileWrite(FileHandle file, const void* buffer, size_t count)
 {
     if (file == kInvalidFile || (count && !buffer)) return -1;
+    ++g_writeCalls;
+    if (g_failingCall > 0) --g_failingCall;
+    else if (g_failingCall == 0) return 0;
     size_t allowed = count;
     if (g_writeLimit >= 0) allowed = std::min(count, static_cast<size_t>(g_writeLimit));
     if (allowed == 0 && count > 0) return 0;
@@ -87,5 +92,28 @@ int FileClose(FileHandle file)
     return ::close(file) == 0 ? 0 : -1;
 }
 
+bool FileAppend(const std::string& path, const void* data, size_t size)
+{
+    if (size && !data) return false;
+    const int fd = ::open(NativePath(path).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    if (fd < 0) return false;
+    const char* bytes = static_cast<const char*>(data);
+    size_t done = 0;
+    bool ok = true;
+    // One write normally takes all of it; only an interrupted or partial write goes round again.
+    while (done < size) {
+        const ssize_t put = ::write(fd, bytes + done, size - done);
+        if (put < 0 && errno == EINTR) continue;
+        if (put <= 0) {
+            ok = false;
+            break;
+        }
+        done += static_cast<size_t>(put);
+    }
+    return ::close(fd) == 0 && ok;
+}
+
 void SetFileWriteLimitForTests(long long bytes) { g_writeLimit = bytes; }
 void SetFileReadFailureForTests(bool fail) { g_readFails = fail; }
+void SetFileWriteFailureAtCallForTests(long long call) { g_failingCall = call < 0 ? -1 : call; }
+long long FileWriteCallsForTests() { return g_writeCalls; }

@@ -1,9 +1,11 @@
 #include "platform/paths.h"
+#include "platform/safe_replace.h"
 
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 #include <unistd.h>
 #include <pwd.h>
 
@@ -123,8 +125,31 @@ bool RemoveFile(const std::string& path)
 
 bool CopyFileOver(const std::string& from, const std::string& to)
 {
-    std::error_code ec;
-    return fs::copy_file(NativePath(from), NativePath(to), fs::copy_options::overwrite_existing, ec);
+    const FileHandle in = FileOpen(from, FileMode::Read);
+    if (in == kInvalidFile) return false;
+    FileReplace save;
+    const FileHandle out = FileReplaceBegin(&save, to);
+    if (out == kInvalidFile) {
+        FileClose(in);
+        return false;
+    }
+    std::vector<char> buffer(1 << 16);
+    bool copied = true;
+    for (;;) {
+        const long long got = FileRead(in, buffer.data(), buffer.size());
+        if (got < 0) copied = false;
+        if (got <= 0) break;
+        if (FileWrite(out, buffer.data(), static_cast<size_t>(got)) != got) {
+            copied = false;
+            break;
+        }
+    }
+    FileClose(in);
+    if (!copied) {
+        FileReplaceAbandon(&save);
+        return false;
+    }
+    return FileReplaceCommit(&save) == ReplaceOutcome::Done;
 }
 
 long long FileSizeOf(const std::string& path)

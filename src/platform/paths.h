@@ -25,6 +25,7 @@ bool PathIsRegularFile(const std::string& path);
 bool PathIsDirectory(const std::string& path);
 bool PathExists(const std::string& path);
 bool RemoveFile(const std::string& path);
+// Copies a file over another by the safe replace: the old copy stays whole if the copy fails.
 bool CopyFileOver(const std::string& from, const std::string& to);
 long long FileSizeOf(const std::string& path);   // -1 when missing
 std::string CurrentDirectory();

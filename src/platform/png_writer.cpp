@@ -1,4 +1,5 @@
 #include "platform/png_writer.h"
+#include "platform/safe_replace.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -101,11 +102,5 @@ int32_t WritePng(const char* path, const PngImage& image)
     if (path == nullptr || path[0] == '\0') return 1;
     std::vector<uint8_t> file;
     if (!EncodePng(image, &file)) return 1;
-    std::FILE* stream = std::fopen(path, "wb");
-    if (stream == nullptr) return 1;
-    bool written = std::fwrite(file.data(), 1, file.size(), stream) == file.size();
-    bool closed = std::fclose(stream) == 0;
-    if (written && closed) return 0;
-    std::remove(path);
-    return 1;
+    return FileReplaceWithBytes(path, file.data(), file.size()) == ReplaceOutcome::Done ? 0 : 1;
 }

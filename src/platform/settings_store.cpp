@@ -1,5 +1,7 @@
 #include "platform/settings_store.h"
+#include "platform/file_lock.h"
 #include "platform/paths.h"
+#include "platform/safe_replace.h"
 
 #include <algorithm>
 #include <cctype>
@@ -9,6 +11,8 @@
 #include <vector>
 
 namespace {
+
+constexpr const char kSettingsLockName[] = "settings.lock";
 
 struct Line {
     std::string key;    // empty for a line that is not key=value
@@ -78,10 +82,30 @@ bool WriteProfile(const Profile& profile, const std::string& file)
     std::string native = NativePath(file);
     size_t slash = native.rfind('/');
     if (slash != std::string::npos && slash > 0) MakeDirectories(native.substr(0, slash));
-    std::ofstream f(native, std::ios::binary | std::ios::trunc);
-    if (!f) return false;
-    f << out.str();
-    return static_cast<bool>(f);
+    const std::string text = out.str();
+    return FileReplaceWithBytes(native, text.data(), text.size()) == ReplaceOutcome::Done;
+}
+
+// The changes gathered between ProfileBeginChanges and ProfileEndChanges.
+struct Changes {
+    int depth = 0;        // nested begins
+    std::string native;   // the file, in this machine's form
+    Profile profile;
+    FileLock lock;
+};
+Changes g_changes;
+
+// Takes the lock of the settings store, which every change of a settings file holds, so that
+// processes changing different keys of one file at the same moment lose none: each reads,
+// changes and writes the file while the others wait. Readers need no lock, since a file is
+// only ever replaced whole. Without a usable home the change goes ahead unlocked.
+FileLock LockSettings()
+{
+    FileLock lock;
+    if (g_changes.depth > 0) return lock;   // held already, for the changes being gathered
+    MakeDirectories(TavrinHomeDir());
+    if (OpenLockFile(&lock, SettingsLockFileName())) TakeFileLock(&lock, LockKind::Exclusive, true);
+    return lock;
 }
 
 Section* FindSection(Profile& profile, const std::string& name)
@@ -98,9 +122,41 @@ Line* FindKey(Section& section, const std::string& key)
     return nullptr;
 }
 
+// One change of a profile in memory: a key set, a key removed (null value) or a section
+// removed (null key).
+void ApplyChange(Profile& profile, const char* section, const char* key, const char* value)
+{
+    Section* s = FindSection(profile, section);
+    if (!key) {
+        if (s) profile.erase(profile.begin() + (s - profile.data()));
+        return;
+    }
+    if (!value) {
+        if (s) {
+            if (Line* l = FindKey(*s, key)) s->lines.erase(s->lines.begin() + (l - s->lines.data()));
+        }
+        return;
+    }
+    if (!s) {
+        profile.push_back({section, {}});
+        s = &profile.back();
+    }
+    if (Line* l = FindKey(*s, key)) {
+        l->value = value;
+    } else {
+        Line line;
+        line.key = key;
+        line.value = value;
+        s->lines.push_back(std::move(line));
+    }
+}
+
+bool Gathering(const std::string& file) { return g_changes.depth > 0 && NativePath(file) == g_changes.native; }
+
 bool Lookup(const std::string& section, const std::string& key, const std::string& file, std::string& value)
 {
-    Profile profile = ReadProfile(file);
+    Profile read;
+    Profile& profile = Gathering(file) ? g_changes.profile : (read = ReadProfile(file));
     Section* s = FindSection(profile, section);
     if (!s) return false;
     Line* l = FindKey(*s, key);
@@ -136,31 +192,44 @@ size_t ProfileGetString(const std::string& section, const std::string& key, cons
 bool ProfileWriteString(const char* section, const char* key, const char* value, const std::string& file)
 {
     if (!section) return false;
+    if (Gathering(file)) {
+        ApplyChange(g_changes.profile, section, key, value);
+        return true;
+    }
+    FileLock lock = LockSettings();
     Profile profile = ReadProfile(file);
-    Section* s = FindSection(profile, section);
-    if (!key) {
-        if (s) profile.erase(profile.begin() + (s - profile.data()));
-        return WriteProfile(profile, file);
+    ApplyChange(profile, section, key, value);
+    const bool written = WriteProfile(profile, file);
+    CloseLockFile(&lock);
+    return written;
+}
+
+void ProfileBeginChanges(const std::string& file)
+{
+    if (g_changes.depth > 0) {
+        ++g_changes.depth;
+        return;
     }
-    if (!value) {
-        if (s) {
-            if (Line* l = FindKey(*s, key)) s->lines.erase(s->lines.begin() + (l - s->lines.data()));
-        }
-        return WriteProfile(profile, file);
-    }
-    if (!s) {
-        profile.push_back({section, {}});
-        s = &profile.back();
-    }
-    if (Line* l = FindKey(*s, key)) {
-        l->value = value;
-    } else {
-        Line line;
-        line.key = key;
-        line.value = value;
-        s->lines.push_back(std::move(line));
-    }
-    return WriteProfile(profile, file);
+    g_changes.lock = LockSettings();
+    g_changes.native = NativePath(file);
+    g_changes.profile = ReadProfile(file);
+    g_changes.depth = 1;
+}
+
+bool ProfileEndChanges()
+{
+    if (g_changes.depth == 0 || --g_changes.depth > 0) return true;
+    const bool written = WriteProfile(g_changes.profile, g_changes.native);
+    CloseLockFile(&g_changes.lock);
+    g_changes.profile.clear();
+    g_changes.native.clear();
+    return written;
+}
+
+void ResetProfileChanges()
+{
+    CloseLockFile(&g_changes.lock);
+    g_changes = Changes{};
 }
 
 bool ProfileGetStruct(const std::string& section, const std::string& key, void* buffer, size_t size,
@@ -200,3 +269,13 @@ bool ProfileWriteStruct(const std::string& section, const std::string& key, cons
     hex += digits[sum & 15];
     return ProfileWriteString(section.c_str(), key.c_str(), hex.c_str(), file);
 }
+
+bool ProfileCopyFile(const std::string& from, const std::string& to)
+{
+    FileLock lock = LockSettings();
+    const bool copied = CopyFileOver(from, to);
+    CloseLockFile(&lock);
+    return copied;
+}
+
+std::string SettingsLockFileName() { return TavrinHomeDir() + kSettingsLockName; }

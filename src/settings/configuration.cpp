@@ -6,6 +6,7 @@
 #include "host/log.h"
 #include "host/revision.h"
 #include "host/wait.h"
+#include "platform/settings_store.h"
 #include "settings/cantilever.h"
 #include "settings/user_settings.h"
 
@@ -16,11 +17,14 @@ void StoreConfiguration()
 {
     char sub[8];
     std::snprintf(sub, sizeof sub, "%02d", kProcessingSubRevision);
+    // All keys go to the file in one write.
+    ProfileBeginChanges(UserSettingsFileName());
     SaveSettingString("Revision", kProcessingRevision);
     SaveSettingString("Sub-Revision", sub);
     StoreDisplaySettings();
     StoreColourTableSettings();
     StoreCantileverSettings();
+    ProfileEndChanges();
     Log("Store software configuration on disk\n");
 }
 

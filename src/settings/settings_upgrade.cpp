@@ -58,7 +58,7 @@ int UpgradeINIfilesFromOldSoftwareVersion()
     char question[128];
     std::snprintf(question, sizeof question, "Copy User settings from Tavrin version %s?", version.c_str());
     if (!AskYesNo(question, true)) return 0;
-    CopyFileOver(old, current);
+    ProfileCopyFile(old, current);
     char sub[8];
     std::snprintf(sub, sizeof sub, "%02d", kProcessingSubRevision);
     SaveSettingString("Revision", kProcessingRevision);

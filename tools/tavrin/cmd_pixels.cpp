@@ -1,6 +1,7 @@
 // tavrin pixels FILE -o OUT: the item's data block as it is in memory.
 #include "command_line.h"
 #include "items.h"
+#include "platform/safe_replace.h"
 
 #include <cstdio>
 
@@ -20,13 +21,12 @@ int Pixels(const Args& args)
     // Rows of an image from row 0; a spectrum's Y values, then its X values. Both are
     // little-endian in memory on this platform.
     const size_t bytes = DataBlockBytes(item);
-    FILE* f = std::fopen(out.c_str(), "wb");
-    if (!f) {
+    switch (FileReplaceWithBytes(out, item->PixData, bytes)) {
+    case ReplaceOutcome::Done: break;
+    case ReplaceOutcome::OpenFailed:
         std::fprintf(stderr, "tavrin pixels: cannot create '%s'\n", out.c_str());
         return 1;
-    }
-    const bool written = std::fwrite(item->PixData, 1, bytes, f) == bytes;
-    if (std::fclose(f) != 0 || !written) {
+    default:
         std::fprintf(stderr, "tavrin pixels: cannot write '%s'\n", out.c_str());
         return 1;
     }

@@ -21,6 +21,8 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_StoreConfigurationToDisk),
         TAVRIN_ENTRY(dl_RetriveConfigurationFromDisk),
         TAVRIN_ENTRY(dl_UpgradeINIfilesFromOldSoftwareVersion),
+        TAVRIN_ENTRY(dl_LoadSettingString),
+        TAVRIN_ENTRY(dl_SaveSettingString),
         // files and data directories
         TAVRIN_ENTRY(dl_OpenSTMData),
         TAVRIN_ENTRY(dl_CanOpenFile),
