@@ -7,6 +7,7 @@
 #include "display/select_items.h"
 #include "display/selection.h"
 #include "display/vfs.h"
+#include "image/fft_commands.h"
 #include "image/filter_kernels.h"
 #include "image/geometry.h"
 #include "image/subt_back.h"
@@ -30,6 +31,7 @@ void ResetProcessState()
 {
     ResetGeometryState();
     ResetSubtBackState();
+    ResetFFTState();
     ResetFilterKernels();
     ResetSelectionState();
     ResetScrollBars();
