@@ -161,7 +161,7 @@ TEST_F(FFTCommand, ForwardMakesACurrentItemWithHistoryLogAndComplexData)
     EXPECT_EQ(result->FFTData, 1);
     ASSERT_NE(result->FFTDataPtr, nullptr);
     EXPECT_FALSE(source->FFTData);
-    EXPECT_NE(LogLines(ReadLog()).find("FFT of 'Waves'.\n"), std::string::npos);
+    EXPECT_TRUE(LogHas("FFT of 'Waves'.\n"));
     // The zero frequency holds the mean of code / 64 and lands in the centre of the spectrum
     // as the largest power.
     double mean = 0;
@@ -241,8 +241,8 @@ TEST_F(FFTCommand, InverseErasesTheComplexDataFromEveryHolderAndLogs)
     EXPECT_FALSE(spectrum->FFTData);
     EXPECT_EQ(spectrum->FFTDataPtr, nullptr);
     EXPECT_FALSE(CurrentItem->FFTData);
-    const std::string log = LogLines(ReadLog());
-    const size_t erase = log.find("Erase FFT data.\n");
+    const std::string log = ReadLog();
+    const size_t erase = log.find(LogLines("Erase FFT data.\n"));
     ASSERT_NE(erase, std::string::npos);
     EXPECT_NE(log.find("Inverse FFT of '", erase), std::string::npos);
     // A flat image: the magnitude is one value everywhere, stretched to code 0.
@@ -279,7 +279,7 @@ TEST_F(FFTCommand, CancelAtHalfWayLeavesTheListAndTheSourceUnchanged)
     EXPECT_TRUE(std::equal(before.begin(), before.end(), source->PixData));
     const auto progress = host.Calls("ap_Progress");
     ASSERT_FALSE(progress.empty());
-    EXPECT_EQ(progress.back().args, "\"2D Fast Fourier Transform\" " + std::to_string(48 * 100 / 127));
+    EXPECT_EQ(progress.back().args, "'2D Fast Fourier Transform' " + std::to_string(48 * 100 / 127));
 }
 
 TEST_F(FFTCommand, CancelledInverseLeavesTheComplexDataWhole)
@@ -304,7 +304,7 @@ TEST_F(FFTCommand, EnhancingTwiceMakesTheSlopeFourTimes)
     dl_EnhanceFFTContrast();
     dl_EnhanceFFTContrast();
     for (int i = 0; i < 256; ++i) EXPECT_EQ(item->ImageLUT[i], std::min(4 * i, 255)) << i;
-    EXPECT_NE(LogLines(ReadLog()).find("Enhance FFT contrast.\n"), std::string::npos);
+    EXPECT_TRUE(LogHas("Enhance FFT contrast.\n"));
     // Another enhance does not undo it: the slope only grows.
     dl_EnhanceFFTContrast();
     EXPECT_EQ(item->ImageLUT[10], 80);
