@@ -24,5 +24,6 @@
 #include "tavrin/dl_spectro.h"
 #include "tavrin/dl_contrast.h"
 #include "tavrin/dl_image_math.h"
+#include "tavrin/dl_fft.h"
 
 #endif

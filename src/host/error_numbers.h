@@ -39,7 +39,8 @@ enum ErrorNumber : uint16_t {
     ERR_NO_IMAGES = 33536,                 // "No images in memory"
     ERR_IMAGE_TOO_LARGE = 33537,           // "Image too large for this function"
     ERR_NOT_FFT = 33538,                   // "Image is not of type FFT"
-    ERR_WINDOW_SIZE = 33539,
+    ERR_WINDOW_SIZE = 33539,               // "Window wrong size/not present"
+    ERR_WINDOW_EXISTS = 33540,             // "Window already exists"
     ERR_NO_WINDOW = 33541,
     ERR_NOT_POWER_OF_2 = 33542,
     ERR_FFT_IMAGE = 33543,                 // "Unable to perform this function on image of type FFT"

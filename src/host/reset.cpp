@@ -7,6 +7,7 @@
 #include "display/select_items.h"
 #include "display/selection.h"
 #include "display/vfs.h"
+#include "image/fft_commands.h"
 #include "image/filter_kernels.h"
 #include "image/contrast.h"
 #include "image/geometry.h"
@@ -34,6 +35,7 @@ void ResetProcessState()
     ResetGeometryState();
     ResetContrastState();
     ResetSubtBackState();
+    ResetFFTState();
     ResetFilterKernels();
     ResetSelectionState();
     ResetScrollBars();

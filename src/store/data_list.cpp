@@ -38,13 +38,22 @@ ImageHeaderType* Unlink(ImageHeaderType* item)
     return next ? next : prev;
 }
 
+bool FFTBlockHeldElsewhere(const ImageHeaderType* item)
+{
+    if (!item->FFTDataPtr) return false;
+    for (const ImageHeaderType* other = FirstItem; other; other = other->Next)
+        if (other != item && other->FFTDataPtr == item->FFTDataPtr) return true;
+    return false;
+}
+
 // EraseItem on an item known to be on the list. Answers false when the item's class has no
 // erase and the item stays.
 bool EraseListItem(ImageHeaderType* item)
 {
     const bool wasCurrent = item == CurrentItem;
     if (CheckHeaderIsImageType(item)) {
-        efree(item->FFTDataPtr);
+        // The complex block may be shared by copies of the header: it goes with the last.
+        if (!FFTBlockHeldElsewhere(item)) efree(item->FFTDataPtr);
         SetFFTBlock(item, nullptr);
         ReleaseMappingSet(item);
         FreeAttachedSpectra(item);

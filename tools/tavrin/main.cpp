@@ -31,6 +31,7 @@ const std::map<std::string, Command>& CommandTable()
         {"math", {CommandMath}},
         {"math2", {CommandMath2}},
         {"normalise", {CommandNormalise}},
+        {"fft", {CommandFft}},
     };
     return table;
 }
@@ -93,6 +94,13 @@ void PrintUsage(FILE* out)
         "                          median9; --user sets a user kernel first (9 or 25 values)\n"
         "  filter IN OUT --diff ANGLE\n"
         "                          the derivative at ANGLE degrees to the x-axis\n"
+        "  fft IN OUT [--band space|time LO,HI] [--stop] [--circle CX,CY,RX,RY] [--zoom Z]\n"
+        "        [--mask-open F] [--mask-save F] [--overlay F.png] [--apply] [--inverse]\n"
+        "        [--enhance N]\n"
+        "                          the forward transform (centred log power spectrum), a mask\n"
+        "                          of bands or circles in display points (--stop: they stop),\n"
+        "                          its overlay, then apply or the filtered inverse; OUT .tif\n"
+        "                          keeps the complex data, .png shows the spectrum or result\n"
         "  plot IN -o OUT.png [--log-x] [--log-y] [--grid] [--box] [--size WxH]\n"
         "                          the plot of a spectrum, profile or histogram as the window\n"
         "                          shows it (log axes need data above 0)\n"

@@ -45,6 +45,25 @@ TABLE(wint_SmoothSpecParamType, "SmoothSpecParam", F(Mode), F(Points))
 
 TABLE(wint_DiffSpecParamType, "DiffSpecParam", F(Mode), F(Points))
 
+// The mask dialog: the control states one by one as MaskControls0 ... ImageControls5.
+template <>
+const RecordFields* FieldsOf<wint_FFTWinParamType>()
+{
+    using W = wint_FFTWinParamType;
+#define STATE(array, i) RecordField{#array #i, offsetof(W, array) + (i) * 4, 4, RecordField::U32}
+    static const RecordField fields[] = {
+        TAVRIN_RECORD_FIELD(W, BandMode), STATE(MaskControls, 0), STATE(MaskControls, 1), STATE(MaskControls, 2),
+        STATE(MaskControls, 3), STATE(MaskControls, 4), STATE(MaskControls, 5), TAVRIN_RECORD_FIELD(W, TimeFreqLow),
+        TAVRIN_RECORD_FIELD(W, TimeFreqHigh), TAVRIN_RECORD_FIELD(W, SpaceFreqLow), TAVRIN_RECORD_FIELD(W, SpaceFreqHigh),
+        TAVRIN_RECORD_FIELD(W, MaskPass), TAVRIN_RECORD_FIELD(W, MaskZoom), STATE(ImageControls, 0),
+        STATE(ImageControls, 1), STATE(ImageControls, 2), STATE(ImageControls, 3), STATE(ImageControls, 4),
+        STATE(ImageControls, 5),
+    };
+#undef STATE
+    static const RecordFields table = {"FFTWinParam", fields, sizeof fields / sizeof fields[0]};
+    return &table;
+}
+
 TABLE(C3DParam, "3DParam", F(DataId), F(nx), F(ny), F(SizeX), F(SizeY), F(Height), F(SizeUnit), F(HeightUnit))
 
 // The item list: its count, the row a button acts on, and the first rows (a script shows and

@@ -38,3 +38,5 @@ template <> const RecordFields* FieldsOf<wint_SubtBckgrndParamType>();
 template <> const RecordFields* FieldsOf<wint_PlotParamType>();
 template <> const RecordFields* FieldsOf<wint_SmoothSpecParamType>();
 template <> const RecordFields* FieldsOf<wint_DiffSpecParamType>();
+// frequency domain
+template <> const RecordFields* FieldsOf<wint_FFTWinParamType>();

@@ -171,6 +171,20 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_DoubleSpecMath),
         TAVRIN_ENTRY(dl_RemoveDCBias),
         TAVRIN_ENTRY(dl_SeparateRampDirections),
+        // frequency domain; mask circles come through pick like every selection
+        TAVRIN_ENTRY(dl_ForwardFFT),
+        TAVRIN_ENTRY(dl_InverseFFT),
+        TAVRIN_ENTRY(dl_EnhanceFFTContrast),
+        TAVRIN_ENTRY(dl_CloseFFTData1),
+        TAVRIN_ENTRY(dl_DisplayFFTImage),
+        TAVRIN_ENTRY(dl_GetFFTWinParam),
+        TAVRIN_ENTRY(dl_SetFFTWinParam),
+        TAVRIN_ENTRY(dl_pb_FFTWin_New),
+        TAVRIN_ENTRY(dl_pb_FFTWin_Add),
+        TAVRIN_ENTRY(dl_pb_FFTWin_Open),
+        TAVRIN_ENTRY(dl_pb_FFTWin_Save),
+        TAVRIN_ENTRY(dl_pb_FFTWin_Close),
+        TAVRIN_ENTRY(dl_pb_FFTWin_Apply),
     };
     return entries;
 }
