@@ -62,15 +62,6 @@ bool ReadSpectrumRecord(FileHandle file, ImageHeaderType* record)
     return true;
 }
 
-char SeparatorCharacter(int separator)
-{
-    switch (separator) {
-    case 1: return ',';
-    case 2: return '\t';
-    default: return ' ';
-    }
-}
-
 bool WriteLine(FileHandle file, const char* line)
 {
     const size_t length = std::strlen(line);
@@ -79,7 +70,7 @@ bool WriteLine(FileHandle file, const char* line)
 
 bool WriteTable(FileHandle file, const ImageHeaderType* record)
 {
-    const char sep = SeparatorCharacter(g_export.separator);
+    const char sep = ExportSeparatorCharacter(g_export.separator);
     char line[128];
     if (!g_export.noHeading) {
         std::snprintf(line, sizeof line, "No.%cX%cY\r\n", sep, sep);
@@ -258,6 +249,15 @@ int SaveSpecData(const ImageHeaderType* record, const char* path)
     if (FileClose(file) != 0) ok = false;
     if (!ok) Error(ERR_WRITING);
     return ok ? 0 : 1;
+}
+
+char ExportSeparatorCharacter(int separator)
+{
+    switch (separator) {
+    case 1: return ',';
+    case 2: return '\t';
+    default: return ' ';
+    }
 }
 
 SpecExportParam GetSpecExportParam() { return g_export; }

@@ -9,6 +9,7 @@
 #include "display/vfs.h"
 #include "image/filter_kernels.h"
 #include "image/geometry.h"
+#include "image/particles.h"
 #include "image/subt_back.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
@@ -30,6 +31,7 @@ void ResetProcessState()
 {
     ResetGeometryState();
     ResetSubtBackState();
+    ResetParticleState();
     ResetFilterKernels();
     ResetSelectionState();
     ResetScrollBars();

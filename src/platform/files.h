@@ -22,6 +22,7 @@ long long FileWrite(FileHandle file, const void* buffer, size_t count);
 // New position from the start, or -1.
 long long FileSeek(FileHandle file, long long offset, FileOrigin origin);
 int FileClose(FileHandle file);                      // 0, or -1 on failure
+int FileRemove(const std::string& path);             // 0, or -1 when nothing was removed
 
 // For tests: after `bytes` more bytes have been written through FileWrite, every further
 // write falls short as on a full disk (-1 switches this off). Failing reads likewise.

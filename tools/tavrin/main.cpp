@@ -26,6 +26,7 @@ const std::map<std::string, Command>& CommandTable()
         {"level", {CommandLevel}},
         {"plot", {CommandPlot}},
         {"spec", {CommandSpec}},
+        {"particles", {CommandParticles}},
     };
     return table;
 }
@@ -99,6 +100,12 @@ void PrintUsage(FILE* out)
         "                          multiply, 3 divide by C, 4 ln, 5 negate, 6 abs, 7 1/v, 8\n"
         "                          sort; --with: 1 add, 2 subtract, 3 |a-b|, 4 product, 5\n"
         "                          divide, 6 average\n"
+        "  particles IN --band LO,HI [--connectivity 4|8] [--erode N] [--dilate N]\n"
+        "        [--isolate N] [--sort none|area|perimeter|shape] [--stats OUT.txt]\n"
+        "        [--bilevel OUT.tif|png] [--json]\n"
+        "                          particle analysis of the grey-level band LO..HI (0 to\n"
+        "                          255): prints the summary lines (JSON: the summary and every\n"
+        "                          object); --isolate removes objects of N pixels and fewer\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"

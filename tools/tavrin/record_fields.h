@@ -38,3 +38,6 @@ template <> const RecordFields* FieldsOf<wint_SubtBckgrndParamType>();
 template <> const RecordFields* FieldsOf<wint_PlotParamType>();
 template <> const RecordFields* FieldsOf<wint_SmoothSpecParamType>();
 template <> const RecordFields* FieldsOf<wint_DiffSpecParamType>();
+// particles
+template <> const RecordFields* FieldsOf<wint_ParticleParamType>();
+template <> const RecordFields* FieldsOf<wint_ParticleSttsParamType>();
