@@ -17,6 +17,12 @@ namespace {
 
 TestFrameStore* g_second = nullptr;
 
+// The band starts this far over the median of the levelled terraces: over half a step
+// (0.235 nm peak to peak after levelling), the row offsets (0.05 nm) and three sigma of noise.
+constexpr double kBackgroundMargin = 0.25;
+// Objects of this many pixels or fewer are specks of the background.
+constexpr int kSpeck = 20;
+
 class ParticleTruthTest : public ParticleTest {
 protected:
     void SetUp() override
@@ -51,15 +57,29 @@ protected:
         dl_GetSubtBckgrndParam(&p, TV_SUBT_APPLY);
         return CurrentItem != sample ? CurrentItem : nullptr;
     }
-    // The lowest grey level of the item whose codes lie `above` nm over the median height.
-    static int LevelAbove(const ImageHeaderType* item, double above)
+    // The lowest grey level of the levelled item that lies `above` nm over its median height.
+    // The levelled codes keep the source's Z range while the tool stretches them, so the
+    // heights are scaled by the model: the particle centres stand kParticleHeight over the
+    // median (the median of the 24 centres, in codes).
+    static int BandStart(const ImageHeaderType* item, double above)
     {
+        using namespace SampleTopography;
+        const auto code = [item](int x, int y) {
+            return static_cast<double>(item->PixData[static_cast<size_t>(y) * item->nx + x]);
+        };
         std::vector<uint16_t> codes(item->PixData, item->PixData + static_cast<size_t>(item->nx) * item->ny);
         std::nth_element(codes.begin(), codes.begin() + codes.size() / 2, codes.end());
-        const double base = GetImageDataValue(0, codes[codes.size() / 2], item);
+        const double base = codes[codes.size() / 2];
+        SampleParticle centres[kParticleCount];
+        SampleTopographyParticles(centres);
+        std::vector<double> tops;
+        for (const SampleParticle& c : centres)
+            tops.push_back(code(static_cast<int>(c.x / kSizeNm * kSize), static_cast<int>(c.y / kSizeNm * kSize)));
+        std::nth_element(tops.begin(), tops.begin() + kParticleCount / 2, tops.end());
+        const double perNm = (tops[kParticleCount / 2] - base) / kParticleHeight;
+        const double threshold = base + above * perNm;
         for (int level = 0; level < 256; ++level)
-            if (item->ImageLUT[level] == level && GetImageDataValue(0, static_cast<float>(level * 256), item) >= base + above)
-                return level;
+            if (item->ImageLUT[level] == level && level * 256.0 >= threshold) return level;
         return 255;
     }
 
@@ -71,11 +91,14 @@ TEST_F(ParticleTruthTest, LevelledSampleTopographyHasTheModelsParticles)
     using namespace SampleTopography;
     ImageHeaderType* levelled = LevelledSample();
     ASSERT_NE(levelled, nullptr);
-    // The band starts a tenth of the particle height above the levelled terraces: over the
-    // residue of the steps (one step, 0.235 nm, peak to peak) and the row offsets.
-    const int low = LevelAbove(levelled, 0.1 * kParticleHeight);
+    const int low = BandStart(levelled, kBackgroundMargin);
+    // Specks of the background above the band (a few pixels of noise on a terrace edge) are
+    // taken away with the size filter: a particle covers about 200 pixels.
     ImageHeaderType* bilevel = Start(low, 255, 8);
     ASSERT_NE(bilevel, nullptr);
+    host.entryAnswers.push_back(std::to_string(kSpeck));
+    dl_IsolateBilevelImage();
+    dl_GetParticleSttsParam(&stts, 0, 0);
     const ParticleStats& stats = CurrentParticleStats();
     EXPECT_EQ(stats.ObjectCount, kParticleCount) << "band from level " << low;
     const double disc = M_PI * kParticleRadius * kParticleRadius;

@@ -312,7 +312,10 @@ TEST_F(ParticleTest, BandPageViewsButtonsAndScale)
 TEST_F(ParticleTest, ScaleTextsAndRangeInTheUnitThatFitsTheRange)
 {
     ImageHeaderType* source = AddFlatImage(8, 0);
-    source->DataScale = 4000.0f / 65535.0f;   // codes over 0 .. 4000 nm
+    source->SPMData = 1;
+    source->DataSource = 1;   // heights: codes over 0 .. 4000 nm
+    source->Zlo = 0.0f;
+    source->Zhi = 4000.0f;
     auto p = Record();
     p->Initialise = 1;
     dl_GetParticleParam(p.get());
