@@ -270,6 +270,12 @@ TEST_F(ParticleTest, BilevelTestReportsOnceAndRemembersTheItem)
     ImageHeaderType* good = AddImage(3, 1, [](int x, int) { return static_cast<uint16_t>(x == 1 ? 65535 : 0); });
     EXPECT_TRUE(IsBilevel(good, true));
     EXPECT_TRUE(host.messageBoxes.empty());
+    // Codes changed in place are seen after the remembered result is dropped.
+    EXPECT_FALSE(IsBilevel(item, false));
+    item->PixData[1] = 65535;
+    EXPECT_FALSE(IsBilevel(item, false));
+    ForgetBilevelTest();
+    EXPECT_TRUE(IsBilevel(item, false));
 }
 
 TEST_F(ParticleTest, BandPageViewsButtonsAndScale)

@@ -201,8 +201,9 @@ void ComputeSummaryLines()
     std::snprintf(lines[2], sizeof lines[2], "Mean perimeter : %.*f%s", DecimalsFor(meanPerimeter), meanPerimeter,
                   length);
     std::snprintf(lines[3], sizeof lines[3], "No of particles : %d", n);
-    std::snprintf(lines[4], sizeof lines[4], "S Ratio : %.3f",
-                  area / static_cast<double>(item->ImageSizeX) / static_cast<double>(item->ImageSizeY));
+    // A record without a scan size has no areas to compare: its ratio is 0.
+    const double scan = static_cast<double>(item->ImageSizeX) * static_cast<double>(item->ImageSizeY);
+    std::snprintf(lines[4], sizeof lines[4], "S Ratio : %.3f", scan > 0.0 ? area / scan : 0.0);
 }
 
 void ResetParticleState()
