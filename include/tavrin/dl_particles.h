@@ -17,7 +17,12 @@
  *      dl_ParticlePointer_Callback with x and y in a 0 to 255 square over the image.
  *
  * The text widths of the records are this library's: TV_PARTICLE_ constants below. The
- * records are copied whole by their Get and Set entry points. */
+ * records are copied whole by their Get and Set entry points.
+ *
+ * Two results are defined here: the shape (area / perimeter squared) of an object with no
+ * perimeter - a single pixel, or an object covering the whole image - is 0; and a histogram
+ * of objects whose values are all equal puts every object into bin 0. Neither divides by
+ * zero. */
 #ifndef TAVRIN_DL_PARTICLES_H
 #define TAVRIN_DL_PARTICLES_H
 
