@@ -25,5 +25,6 @@
 #include "tavrin/dl_contrast.h"
 #include "tavrin/dl_image_math.h"
 #include "tavrin/dl_fft.h"
+#include "tavrin/dl_particles.h"
 
 #endif

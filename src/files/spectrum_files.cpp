@@ -63,15 +63,6 @@ bool ReadSpectrumRecord(FileHandle file, ImageHeaderType* record)
     return true;
 }
 
-char SeparatorCharacter(int separator)
-{
-    switch (separator) {
-    case 1: return ',';
-    case 2: return '\t';
-    default: return ' ';
-    }
-}
-
 bool WriteLine(FileHandle file, const char* line)
 {
     const size_t length = std::strlen(line);
@@ -80,7 +71,7 @@ bool WriteLine(FileHandle file, const char* line)
 
 bool WriteTable(FileHandle file, const ImageHeaderType* record)
 {
-    const char sep = SeparatorCharacter(g_export.separator);
+    const char sep = ExportSeparatorCharacter(g_export.separator);
     char line[128];
     if (!g_export.noHeading) {
         std::snprintf(line, sizeof line, "No.%cX%cY\r\n", sep, sep);
@@ -256,6 +247,15 @@ int SaveSpecData(const ImageHeaderType* record, const char* path)
     const bool written = WriteTable(file, record);
     if (!written) Error(ERR_WRITING);
     return FinishSave(&save, written, ERR_WRITING) ? 0 : 1;
+}
+
+char ExportSeparatorCharacter(int separator)
+{
+    switch (separator) {
+    case 1: return ',';
+    case 2: return '\t';
+    default: return ' ';
+    }
 }
 
 SpecExportParam GetSpecExportParam() { return g_export; }

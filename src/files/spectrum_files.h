@@ -52,3 +52,5 @@ SpecExportParam GetSpecExportParam();
 // A separator other than 0, 1 or 2 is reported ("SetSpecExportParam %d") and nothing changes.
 void SetSpecExportParam(const SpecExportParam& param);
 void ResetSpecExportParam();
+// The character of a separator setting: 1 comma, 2 tab, any other a blank.
+char ExportSeparatorCharacter(int separator);

@@ -46,6 +46,9 @@ enum ErrorNumber : uint16_t {
     ERR_FFT_IMAGE = 33543,                 // "Unable to perform this function on image of type FFT"
     ERR_ALREADY_THIS_SIZE = 33545,         // "Image is already this size - can not interpolate"
     ERR_MAPPING_IMAGE = 33555,             // "Unable to perform this function on image of type SPS Mapping "
+    ERR_NOT_BILEVEL = 33559,               // "Image not bilevel"
+    ERR_TOO_MANY_PARTICLES = 33560,        // "Too many particles" (kept in the table, not raised)
+    ERR_NO_PARTICLES = 33561,              // "No particles in image"
     ERR_WRONG_IMAGE_TYPE = 33562,
     ERR_REPLAY_PATH = 33563,               // "Invalid path specified for replay sequence"
     ERR_TIGA = 36096,                      // " Error with TIGA %x"

@@ -11,6 +11,7 @@
 #include "image/filter_kernels.h"
 #include "image/contrast.h"
 #include "image/geometry.h"
+#include "image/particles.h"
 #include "image/subt_back.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
@@ -36,6 +37,7 @@ void ResetProcessState()
     ResetContrastState();
     ResetSubtBackState();
     ResetFFTState();
+    ResetParticleState();
     ResetFilterKernels();
     ResetSelectionState();
     ResetScrollBars();

@@ -51,6 +51,11 @@ FileHandle FileOpen(const std::string& path, FileMode mode)
     return fd < 0 ? kInvalidFile : fd;
 }
 
+int FileRemove(const std::string& path)
+{
+    return ::unlink(NativePath(path).c_str()) == 0 ? 0 : -1;
+}
+
 FileHandle FileCreate(const std::string& path)
 {
     int fd = ::open(NativePath(path).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);

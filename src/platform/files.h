@@ -22,6 +22,7 @@ long long FileWrite(FileHandle file, const void* buffer, size_t count);
 // New position from the start, or -1.
 long long FileSeek(FileHandle file, long long offset, FileOrigin origin);
 int FileClose(FileHandle file);                      // 0, or -1 on failure
+int FileRemove(const std::string& path);             // 0, or -1 when nothing was removed
 
 // Appends the bytes to the end of the file (created if missing) in one write on a descriptor
 // opened for appending, so that texts appended by several processes at once never mix. False

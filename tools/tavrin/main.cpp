@@ -32,6 +32,7 @@ const std::map<std::string, Command>& CommandTable()
         {"math2", {CommandMath2}},
         {"normalise", {CommandNormalise}},
         {"fft", {CommandFft}},
+        {"particles", {CommandParticles}},
     };
     return table;
 }
@@ -129,6 +130,12 @@ void PrintUsage(FILE* out)
         "                          mean over the levels\n"
         "  histogram IN -o OUT.png|OUT.dat\n"
         "                          the level histogram of the image as a plot or a table\n"
+        "  particles IN --band LO,HI [--connectivity 4|8] [--erode N] [--dilate N]\n"
+        "        [--isolate N] [--sort none|area|perimeter|shape] [--stats OUT.txt]\n"
+        "        [--bilevel OUT.tif|png] [--json]\n"
+        "                          particle analysis of the grey-level band LO..HI (0 to\n"
+        "                          255): prints the summary lines (JSON: the summary and every\n"
+        "                          object); --isolate removes objects of N pixels and fewer\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"

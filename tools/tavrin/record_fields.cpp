@@ -110,3 +110,50 @@ const RecordFields* FieldsOf<wint_SubtBckgrndParamType>()
     static const RecordFields table = {"SubtBckgrndParam", fields, sizeof fields / sizeof fields[0]};
     return &table;
 }
+
+// particles: the scalar fields, the button states one by one (Button1 ... Button9, More1 ...
+// More3), the grey scale texts, the first histogram counts and the title; the views and the
+// labels stay in the record.
+template <>
+const RecordFields* FieldsOf<wint_ParticleParamType>()
+{
+    using P = wint_ParticleParamType;
+#define STATE(name, array, i) RecordField{name, offsetof(P, array) + (i) * 4, 4, RecordField::U32}
+#define SCALE(name, i) RecordField{name, offsetof(P, ScaleTexts) + (i) * TV_PARTICLE_SCALE_TEXT, TV_PARTICLE_SCALE_TEXT, RecordField::Text}
+    static const RecordField fields[] = {
+        TAVRIN_RECORD_FIELD(P, Connectivity),
+        STATE("Button1", ButtonStates, 0), STATE("Button2", ButtonStates, 1), STATE("Button3", ButtonStates, 2),
+        STATE("Button4", ButtonStates, 3), STATE("Button5", ButtonStates, 4), STATE("Button6", ButtonStates, 5),
+        STATE("Button7", ButtonStates, 6), STATE("Button8", ButtonStates, 7), STATE("Button9", ButtonStates, 8),
+        TAVRIN_RECORD_FIELD(P, HistogramKind), TAVRIN_RECORD_FIELD(P, HistogramBins),
+        STATE("More1", MoreStates, 0), STATE("More2", MoreStates, 1), STATE("More3", MoreStates, 2),
+        TAVRIN_RECORD_FIELD(P, LowLevel), TAVRIN_RECORD_FIELD(P, HighLevel), TAVRIN_RECORD_FIELD(P, Initialise),
+        SCALE("Scale1", 0), SCALE("Scale2", 1), SCALE("Scale3", 2), SCALE("Scale4", 3), SCALE("Scale5", 4),
+        TAVRIN_RECORD_FIELD(P, ZLow), TAVRIN_RECORD_FIELD(P, ZHigh), TAVRIN_RECORD_FIELD(P, ZUnit),
+        STATE("Count1", HistogramCounts, 0), STATE("Count2", HistogramCounts, 1), STATE("Count3", HistogramCounts, 2),
+        STATE("Count4", HistogramCounts, 3),
+        TAVRIN_RECORD_FIELD(P, HistogramTitle),
+    };
+#undef STATE
+#undef SCALE
+    static const RecordFields table = {"ParticleParam", fields, sizeof fields / sizeof fields[0]};
+    return &table;
+}
+
+template <>
+const RecordFields* FieldsOf<wint_ParticleSttsParamType>()
+{
+    using S = wint_ParticleSttsParamType;
+#define LINE(name, i) RecordField{name, offsetof(S, SummaryLines) + (i) * TV_PARTICLE_SUMMARY_TEXT, TV_PARTICLE_SUMMARY_TEXT, RecordField::Text}
+#define RECT(name, i) RecordField{name, offsetof(S, SelectedRect) + (i) * 4, 4, RecordField::I32}
+    static const RecordField fields[] = {
+        TAVRIN_RECORD_FIELD(S, SortKey), TAVRIN_RECORD_FIELD(S, FileName),
+        LINE("Summary1", 0), LINE("Summary2", 1), LINE("Summary3", 2), LINE("Summary4", 3), LINE("Summary5", 4),
+        RECT("SelectedLeft", 0), RECT("SelectedTop", 1), RECT("SelectedRight", 2), RECT("SelectedBottom", 3),
+        TAVRIN_RECORD_FIELD(S, SelectedColour), TAVRIN_RECORD_FIELD(S, SelectedRow),
+    };
+#undef LINE
+#undef RECT
+    static const RecordFields table = {"ParticleSttsParam", fields, sizeof fields / sizeof fields[0]};
+    return &table;
+}

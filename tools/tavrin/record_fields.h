@@ -40,3 +40,6 @@ template <> const RecordFields* FieldsOf<wint_SmoothSpecParamType>();
 template <> const RecordFields* FieldsOf<wint_DiffSpecParamType>();
 // frequency domain
 template <> const RecordFields* FieldsOf<wint_FFTWinParamType>();
+// particles
+template <> const RecordFields* FieldsOf<wint_ParticleParamType>();
+template <> const RecordFields* FieldsOf<wint_ParticleSttsParamType>();

@@ -185,6 +185,28 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_pb_FFTWin_Save),
         TAVRIN_ENTRY(dl_pb_FFTWin_Close),
         TAVRIN_ENTRY(dl_pb_FFTWin_Apply),
+        // particles; pointer events as "ParticlePointer_Callback 18 X Y 1" (0 to 255 square).
+        // The list row takes the C form of its entry point, the one of five texts.
+        TAVRIN_ENTRY(dl_GetParticleParam),
+        TAVRIN_ENTRY(dl_SetParticleParam),
+        TAVRIN_ENTRY(dl_GetParticleSttsParam),
+        TAVRIN_ENTRY(dl_SetParticleSttsParam),
+        MakeEntry("ParticleSttsGetDesc",
+                  static_cast<int32_t (*)(int16_t, char (*)[TV_PARTICLE_DESC_TEXT])>(dl_ParticleSttsGetDesc)),
+        TAVRIN_ENTRY(dl_pb_ParticleSttsChoose),
+        TAVRIN_ENTRY(dl_pb_DisplayParticleHist),
+        TAVRIN_ENTRY(dl_ParticlePointer_Callback),
+        TAVRIN_ENTRY(dl_ToggleConnectivity),
+        TAVRIN_ENTRY(dl_GetConnectivity),
+        TAVRIN_ENTRY(dl_ErodeBilevelImage),
+        TAVRIN_ENTRY(dl_DilateBilevelImage),
+        TAVRIN_ENTRY(dl_IsolateBilevelImage),
+        TAVRIN_ENTRY(dl_ShootObjects),
+        TAVRIN_ENTRY(dl_WriteObjectStatistics),
+        TAVRIN_ENTRY(dl_GenerateBilevelImage),
+        TAVRIN_ENTRY(dl_GetObjectStatistics),
+        TAVRIN_ENTRY(dl_CompileObjectStatistics),
+        TAVRIN_ENTRY(dl_StatisticsHistogram),
     };
     return entries;
 }

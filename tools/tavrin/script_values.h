@@ -115,6 +115,21 @@ struct Arg<char*> {
     void After(std::vector<std::string>& out) { out.push_back(buffer.data()); }
 };
 
+// An array of texts of N characters the entry point fills: room for 16, shown after the call,
+// the texts up to the first empty one, separated by '|'.
+template <size_t N>
+struct Arg<char (*)[N]> {
+    std::vector<char> buffer = std::vector<char>(16 * N, '\0');
+    explicit Arg(ScriptWords&) {}
+    char (*Get())[N] { return reinterpret_cast<char(*)[N]>(buffer.data()); }
+    void After(std::vector<std::string>& out)
+    {
+        std::string text;
+        for (size_t i = 0; i < 16 && buffer[i * N]; ++i) text += (i ? "|" : "") + std::string(&buffer[i * N], strnlen(&buffer[i * N], N));
+        out.push_back(text);
+    }
+};
+
 // A number the entry point reads and may change: shown after the call.
 template <typename T>
 struct Arg<T*, std::enable_if_t<std::is_arithmetic_v<T>>> {
