@@ -22,5 +22,6 @@
 #include "tavrin/dl_selection.h"
 #include "tavrin/dl_plot.h"
 #include "tavrin/dl_spectro.h"
+#include "tavrin/dl_mapping.h"
 
 #endif
