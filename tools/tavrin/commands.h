@@ -20,6 +20,7 @@ int CommandFilter(const Args& args);
 int CommandLevel(const Args& args);
 int CommandPlot(const Args& args);
 int CommandSpec(const Args& args);
+int CommandMap(const Args& args);
 
 // The script's forms of the kernel table entry points: the kernel as a text "v1,v2,...".
 void ScriptGet3x3KernelParam(int16_t index, char* text);

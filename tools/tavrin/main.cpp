@@ -26,6 +26,7 @@ const std::map<std::string, Command>& CommandTable()
         {"level", {CommandLevel}},
         {"plot", {CommandPlot}},
         {"spec", {CommandSpec}},
+        {"map", {CommandMap}},
     };
     return table;
 }
@@ -99,6 +100,11 @@ void PrintUsage(FILE* out)
         "                          multiply, 3 divide by C, 4 ln, 5 negate, 6 abs, 7 1/v, 8\n"
         "                          sort; --with: 1 add, 2 subtract, 3 |a-b|, 4 product, 5\n"
         "                          divide, 6 average\n"
+        "  map info FILE [--json]  the SPS Mapping set of the file: kind, images, sweep, data\n"
+        "                          range, hit data (--json: header, display block, images)\n"
+        "  map cube FILE -o OUT.npy [--codes]\n"
+        "                          the set as a numpy array (ni, cy, cx) of f32 physical\n"
+        "                          values, or of the u16 codes with --codes\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"

@@ -38,3 +38,4 @@ template <> const RecordFields* FieldsOf<wint_SubtBckgrndParamType>();
 template <> const RecordFields* FieldsOf<wint_PlotParamType>();
 template <> const RecordFields* FieldsOf<wint_SmoothSpecParamType>();
 template <> const RecordFields* FieldsOf<wint_DiffSpecParamType>();
+template <> const RecordFields* FieldsOf<wint_LMCantileverImageParamType>();
