@@ -1,6 +1,7 @@
 // Mapping sets in image files: the block at its offsets, round trips byte for byte, blocks built
 // by hand, every refusal with what the item keeps, failed allocations, and the hit data.
 #include "test_mapping_support.h"
+#include "test_spectrum_support.h"
 #include "files/cits_file.h"
 #include "files/image_blocks.h"
 #include "files/tiff_read.h"
@@ -410,6 +411,27 @@ TEST_F(MappingFileTest, LMCPointsOtherThanCxWritesASectionTheNextLoadFindsTooSho
     ImageHeaderType* item = Load(f, "p8b.tif");
     EXPECT_EQ(Boxes("Data file too short"), 1);
     ExpectTopographyOnly(item, 7);
+}
+
+TEST_F(MappingFileTest, HitDataThatFailCostTheSetButNotTheSpectraReadBeforeThem)
+{
+    ImageHeaderType* a = MakeMappingImage(16, 2);
+    a->LMCThreshold1On = 1;
+    ASSERT_EQ(AllocateHeaderMemory_LMCThresholdHitDataPtr(a, 16, 16), 0);
+    a->LMCPoints = 16;
+    a->LMCHitDataPtr[74 * 40] = 5;   // a hit outside 0 to 2: the records are bad
+    SetSPSRefChain(a, spectest::MakeBareSpectrum(5, 1));
+    a->nSPSRefData = 1;
+    ASSERT_EQ(saveTiffImage(a, Path("hs.tif").c_str(), 0), 0);
+    ASSERT_EQ(LoadImageFile(Path("hs.tif").c_str(), 0, 1, 1), 0);
+    ImageHeaderType* item = CurrentItem;
+    ASSERT_NE(item, a);
+    EXPECT_EQ(Boxes("Invalid header"), 1);
+    EXPECT_EQ(item->CITSHeaderPtr, nullptr);
+    EXPECT_EQ(item->LMCHitDataPtr, nullptr);
+    ASSERT_NE(item->SPSRefDataPtr, nullptr);
+    EXPECT_EQ(item->SPSRefDataPtr->nx, 5);
+    EXPECT_EQ(item->nSPSRefData, 1);
 }
 
 TEST_F(MappingFileTest, LMCPointsAboveCxWritesNewRecordsPastTheBlock)
