@@ -73,6 +73,20 @@ int LoadSet(FileHandle file, ImageHeaderType* record)
         Error(ERR_INVALID_HEADER);
         return 0;
     }
+    // A file too short for the entries and planes it announces is refused before the planes
+    // are taken: a damaged header must not claim gigabytes of memory for bytes that are not there.
+    const long long planeBytes = static_cast<long long>(probe.cx) * probe.cy * (IsEightBit(record) ? 1 : 2);
+    const long long needed = static_cast<long long>(probe.ni) * (TAVRIN_CITS_ENTRY_STORED_BYTES + planeBytes);
+    const long long here = start + static_cast<long long>(sizeof stored);
+    const long long end = FileSeek(file, 0, FileOrigin::End);
+    if (end < 0 || FileSeek(file, here, FileOrigin::Begin) != here) {
+        Error(ERR_READING2);
+        return 0;
+    }
+    if (end - here < needed) {
+        Error(ERR_FILE_TOO_SHORT);
+        return 0;
+    }
     CITSHeaderType* set = AllocateCITSDataSet(probe.ni, probe.cx, probe.cy);
     if (!set) return 0;
     // The stored bytes over the new header: the low half of set_id is the file's.

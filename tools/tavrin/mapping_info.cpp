@@ -34,24 +34,51 @@ std::string MappingJson(const ImageHeaderType* item)
     const CITSHeaderType* set = item ? item->CITSHeaderPtr : nullptr;
     if (!set) return "null";
     const CITSDispBlockType& d = set->disp;
-    std::string numbers;
-    for (int i = 0; i < 64; ++i) numbers += (i ? ", " : "") + Number(d.im_no[i]);
-    std::string json = "{\"kind\": " + JsonString(CITSKindName(item), 64) + ", \"MapType\": " + Number(item->MapType) +
-                       ", \"sweep_unit\": " + JsonString(GetCITSSweepUnit(item), 4) + ", \"rev\": " + Number(set->rev) +
-                       ", \"ni\": " + Number(set->ni) + ", \"cx\": " + Number(set->cx) + ", \"cy\": " + Number(set->cy) +
-                       ", \"ci\": " + Number(set->ci) + ", \"set_id\": " + Number(set->set_id) + ", \"disp\": {\"flags\": " +
-                       Number(d.flags) + ", \"n\": " + Number(d.n) + ", \"mode\": " + Number(d.mode) +
-                       ", \"v_low\": " + JsonFloat(static_cast<float>(d.v_low)) + ", \"v_high\": " +
-                       JsonFloat(static_cast<float>(d.v_high)) + ", \"select\": " + Number(d.select) + ", \"im_no\": [" +
-                       numbers + "]}, \"hit_data\": " +
-                       (item->LMCHitDataPtr ? "[" + Number(item->LMCHitDataCx) + ", " + Number(item->LMCHitDataCy) + "]"
-                                            : std::string("null")) +
-                       ", \"images\": [";
+    std::string json;
+    // Each piece is appended on its own: one long chain of temporaries makes the optimiser see
+    // overlapping copies that are not there.
+    const auto add = [&json](const std::string& piece) { json.append(piece); };
+    add("{\"kind\": ");
+    add(JsonString(CITSKindName(item), 64));
+    add(", \"MapType\": " + Number(item->MapType));
+    add(", \"sweep_unit\": ");
+    add(JsonString(GetCITSSweepUnit(item), 4));
+    add(", \"rev\": " + Number(set->rev));
+    add(", \"ni\": " + Number(set->ni));
+    add(", \"cx\": " + Number(set->cx));
+    add(", \"cy\": " + Number(set->cy));
+    add(", \"ci\": " + Number(set->ci));
+    add(", \"set_id\": " + Number(set->set_id));
+    add(", \"disp\": {\"flags\": " + Number(d.flags));
+    add(", \"n\": " + Number(d.n));
+    add(", \"mode\": " + Number(d.mode));
+    add(", \"v_low\": " + JsonFloat(static_cast<float>(d.v_low)));
+    add(", \"v_high\": " + JsonFloat(static_cast<float>(d.v_high)));
+    add(", \"select\": " + Number(d.select));
+    add(", \"im_no\": [");
+    for (int i = 0; i < 64; ++i) {
+        if (i) add(", ");
+        add(Number(d.im_no[i]));
+    }
+    add("]}, \"hit_data\": ");
+    if (item->LMCHitDataPtr) {
+        add("[" + Number(item->LMCHitDataCx));
+        add(", " + Number(item->LMCHitDataCy) + "]");
+    } else {
+        add("null");
+    }
+    add(", \"images\": [");
     for (int k = 0; k < set->ni; ++k) {
         const CITSImageEntryType* e = CITSEntry(set, k);
-        json += std::string(k ? ", " : "") + "{\"voltage\": " + JsonFloat(e->voltage) + ", \"z_low\": " +
-                JsonFloat(e->z_low) + ", \"z_high\": " + JsonFloat(e->z_high) + ", \"data_type\": " +
-                Number(e->data_type) + ", \"title\": " + Text(e->title, sizeof e->title) + "}";
+        if (k) add(", ");
+        add("{\"voltage\": " + JsonFloat(e->voltage));
+        add(", \"z_low\": " + JsonFloat(e->z_low));
+        add(", \"z_high\": " + JsonFloat(e->z_high));
+        add(", \"data_type\": " + Number(e->data_type));
+        add(", \"title\": ");
+        add(Text(e->title, sizeof e->title));
+        add("}");
     }
-    return json + "]}";
+    add("]}");
+    return json;
 }
