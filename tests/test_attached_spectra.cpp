@@ -282,20 +282,24 @@ TEST_F(AttachedSpectraTest, AFailedAllocationInTheChainKeepsTheSpectraReadBefore
     EXPECT_EQ(LiveBlockCount(), blocks);
 }
 
-TEST_F(AttachedSpectraTest, ALoadThatFailsBehindTheSpectraFreesThemAndLeavesTheListAsItWas)
+TEST_F(AttachedSpectraTest, HitDataBehindTheSpectraWithoutAMappingSetAreRefusedAndTheSpectraStay)
 {
     std::string file = SaveAndErase(ImageWithChain({3, 4}), "hit.tif");
-    // Hit data are said to follow the spectra; they cannot be read, and the load fails.
+    // Hit data are said to follow the spectra; without a mapping set they have no place, and
+    // only they are refused.
     const uint32_t flag = 1;
     std::memcpy(file.data() + 10 + 3392, &flag, sizeof flag);
     WriteFileBytes(Path("hit2.tif"), file);
     ImageHeaderType* kept = MakeSpectrumItem(3);
-    const size_t blocks = LiveBlockCount();
-    EXPECT_EQ(LoadImageFile(Path("hit2.tif").c_str(), 0, 1, 1), 1);
-    EXPECT_EQ(FirstItem, kept);
-    EXPECT_EQ(CurrentItem, kept);
-    EXPECT_EQ(CountItems(), 1);
-    EXPECT_EQ(LiveBlockCount(), blocks);
+    EXPECT_EQ(LoadImageFile(Path("hit2.tif").c_str(), 0, 1, 1), 0);
+    ImageHeaderType* loaded = CurrentItem;
+    ASSERT_NE(loaded, kept);
+    EXPECT_EQ(CountItems(), 2);
+    EXPECT_EQ(loaded->nSPSRefData, 2);
+    EXPECT_NE(loaded->SPSRefDataPtr, nullptr);
+    EXPECT_EQ(loaded->LMCHitDataPtr, nullptr);
+    EXPECT_EQ(loaded->LMCThresholdHitDataPtr, 0u);
+    EXPECT_TRUE(Contains(ReadLog(), "Program error - AllocateHeaderMemory_LMCThresholdHitDataPtr 0 0"));
 }
 
 TEST_F(AttachedSpectraTest, ErasingTheChainFreesEverySpectrumAndLogsIt)

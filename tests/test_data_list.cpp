@@ -210,7 +210,7 @@ TEST_F(DataListCoreTest, EraseOfAnImageFreesPixelsFftAttachedSpectraAndHitDataAn
     s1->SPSRefDataPtr = s2;
     SetSPSRefChain(b, s1);
     b->nSPSRefData = 2;
-    ASSERT_EQ(AllocateHeaderMemory_LMCThresholdHitDataPtr(b, 16, 16), 0);
+    ASSERT_TRUE(AllocateHitRecords(b, 16, 16));
     CurrentItem = b;
     const uint32_t id = b->DataId;
     const int dropped = DisplayRequests().referencesDropped;

@@ -432,9 +432,9 @@ TEST_F(DataListCommandTest, BitsOfAnImageWithAMappingSet)
     SetCITSBlock(a, StandInMappingSet());
     a->MapType = 15;
     CurrentItem = a;
-    // 0x800, 0x1000 and 0x2000 read the set itself; without the mapping subsystem none of
-    // them can be set.
-    EXPECT_EQ(dl_IsCurrentDataTypeImage(), 0x1A);
+    // 0x800 for a force-curve mapping; 0x1000 and 0x2000 read the set's side, which the
+    // stand-in set holds as 0.
+    EXPECT_EQ(dl_IsCurrentDataTypeImage(), 0x81A);
 }
 
 TEST_F(DataListCommandTest, BitsOfAnImageWithAttachedSpectra)

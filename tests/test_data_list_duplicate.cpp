@@ -204,7 +204,7 @@ TEST_F(DataListDuplicateTest, AHitDataCopyFailureIsReportedAndLeavesTheListAsItW
     ImageHeaderType* a = AddImage(nullptr);
     SetCITSBlock(a, StandInMappingSet());
     a->LMCThreshold1On = 1;
-    ASSERT_EQ(AllocateHeaderMemory_LMCThresholdHitDataPtr(a, 16, 16), 0);
+    ASSERT_TRUE(AllocateHitRecords(a, 16, 16));
     CurrentItem = a;
     Snapshot before = TakeSnapshot();
     size_t blocks = LiveBlockCount();

@@ -6,6 +6,7 @@
 #include "display/default_tables.h"
 #include "files/tiff_layout.h"
 #include "files/tiff_write.h"
+#include "mapping/cits.h"
 #include "png_decoder.h"
 #include "store/data_list.h"
 #include "store/image_header.h"
@@ -413,7 +414,7 @@ TEST_F(HostCliTest, DemoFinishesAndItsFilesLoadAgain)
 {
     HostRun run = Run("demo --out tour");
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_TRUE(Contains(run.out, "4 of 4 items loaded again with the data they were saved with.")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "7 of 7 items loaded again with the data they were saved with.")) << run.out;
     for (const char* picture : {"topography-plain", "topography-shaded", "topography-contour", "topography-full",
                                 "lattice-plain", "lattice-shaded"}) {
         const std::string path = Path(std::string("tour/") + picture + ".png");
@@ -623,4 +624,115 @@ TEST_F(HostCliTest, ADataSourceOutsideTheTablesIsAWarningAndTheCommandsGoOn)
     run = Run("render source0.tif -o s.png");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(Run("--strict info source0.tif").status, 1);
+}
+
+// ---- SPS Mapping sets ----
+
+namespace {
+
+// The f32 or u16 values behind the header of a .npy file, with the shape it declares.
+template <typename T>
+std::vector<T> NpyValues(const std::string& bytes, std::string* dict)
+{
+    if (bytes.size() < 10 || bytes.compare(0, 6, "\x93NUMPY") != 0) return {};
+    const size_t length = static_cast<uint8_t>(bytes[8]) | static_cast<uint8_t>(bytes[9]) << 8;
+    *dict = bytes.substr(10, length);
+    std::vector<T> values((bytes.size() - 10 - length) / sizeof(T));
+    std::memcpy(values.data(), bytes.data() + 10 + length, values.size() * sizeof(T));
+    return values;
+}
+
+} // namespace
+
+TEST_F(HostCliTest, MapInfoNamesTheSetOfEachSample)
+{
+    struct Sample {
+        ImageHeaderType* (*make)(ImageHeaderType*);
+        const char* name;
+        const char* lines;
+    };
+    const Sample samples[] = {
+        {MakeSampleIVMapping, "iv.tif",
+         "mapping: I-V, SPS Mapping of 128 images of 64 x 64 pixels\nsweep:  -1 to 1 V\n"},
+        {MakeSampleForceMappingWithStep, "fc.tif",
+         "mapping: Force curve, SPS Mapping of 128 images of 64 x 64 pixels\nsweep:  0 to 100 nm\n"},
+        {MakeSampleFVMapping, "fv.tif", "mapping: F-V, SPS Mapping of 81 images of 32 x 32 pixels\nsweep:  -2 to 2 V\n"},
+    };
+    for (const Sample& s : samples) {
+        ImageHeaderType* item = s.make(nullptr);
+        ASSERT_NE(item, nullptr);
+        ASSERT_EQ(saveTiffImage(item, Path(s.name).c_str(), 0), 0);
+        HostRun run = Run(std::string("map info ") + s.name);
+        ASSERT_EQ(run.status, 0) << run.err;
+        EXPECT_TRUE(Contains(run.out, s.lines)) << run.out;
+        HostRun info = Run(std::string("info ") + s.name);
+        ASSERT_EQ(info.status, 0) << info.err;
+        EXPECT_TRUE(Contains(info.out, s.lines)) << info.out;
+    }
+    HostRun fc = Run("map info fc.tif");
+    EXPECT_TRUE(Contains(fc.out, "hits:   64 x 64 threshold hit records\n")) << fc.out;
+    HostRun iv = Run("map info iv.tif");
+    EXPECT_TRUE(Contains(iv.out, "hits:   none\n")) << iv.out;
+}
+
+TEST_F(HostCliTest, MapInfoJsonHasTheHeaderTheDisplayBlockAndEveryImage)
+{
+    ImageHeaderType* item = MakeSampleFVMapping(nullptr);
+    ASSERT_EQ(saveTiffImage(item, Path("fv.tif").c_str(), 0), 0);
+    HostRun run = Run("map info fv.tif --json");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "\"kind\": \"F-V\", \"MapType\": 60, \"sweep_unit\": \"V\", \"rev\": 700, \"ni\": 81, "
+                                  "\"cx\": 32, \"cy\": 32, \"ci\": 0")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "\"disp\": {\"flags\": 7, \"n\": 2, \"mode\": 0, \"v_low\": 0, \"v_high\": 0, \"select\": 2"));
+    EXPECT_TRUE(Contains(run.out, "{\"voltage\": -2, \"z_low\": ")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "\"data_type\": 16, \"title\": \"F at 2.000\"}]}")) << run.out;
+    HostRun info = Run("info fv.tif --json");
+    ASSERT_EQ(info.status, 0);
+    EXPECT_TRUE(Contains(info.out, "\"mapping\": {\"kind\": \"F-V\"")) << info.out;
+    HostRun plain = Run("map info " + SaveTopography("topo.tif"));
+    EXPECT_EQ(plain.status, 1);
+    EXPECT_TRUE(Contains(plain.err, "holds no SPS Mapping set")) << plain.err;
+}
+
+TEST_F(HostCliTest, MapCubeWritesTheSetAsANumpyArrayOfValuesOrCodes)
+{
+    ImageHeaderType* item = MakeSampleFVMapping(nullptr);
+    ASSERT_EQ(saveTiffImage(item, Path("fv.tif").c_str(), 0), 0);
+    HostRun run = Run("map cube fv.tif -o fv.npy");
+    ASSERT_EQ(run.status, 0) << run.err;
+    std::string dict;
+    const std::vector<float> values = NpyValues<float>(ReadFileBytes(Path("fv.npy")), &dict);
+    EXPECT_TRUE(Contains(dict, "{'descr': '<f4', 'fortran_order': False, 'shape': (81, 32, 32), }")) << dict;
+    EXPECT_EQ((10 + dict.size()) % 64, 0u);
+    ASSERT_EQ(values.size(), 81u * 32 * 32);
+    const CITSHeaderType* set = item->CITSHeaderPtr;
+    const float step = (CITSEntry(set, 0)->z_high - CITSEntry(set, 0)->z_low) / 65535.0f;
+    for (int k : {0, 40, 80})
+        for (int y : {0, 31})
+            for (int x : {0, 17, 31})
+                EXPECT_NEAR(values[(static_cast<size_t>(k) * 32 + y) * 32 + x], SampleFVMappingValue(x, y, k), step)
+                    << k << " " << y << " " << x;
+    HostRun codes = Run("map cube fv.tif -o fvc.npy --codes");
+    ASSERT_EQ(codes.status, 0) << codes.err;
+    const std::vector<uint16_t> raw = NpyValues<uint16_t>(ReadFileBytes(Path("fvc.npy")), &dict);
+    EXPECT_TRUE(Contains(dict, "'descr': '<u2'"));
+    ASSERT_EQ(raw.size(), 81u * 32 * 32);
+    EXPECT_EQ(raw[5 * 1024 + 3 * 32 + 7], CITSPixels(CITSEntry(set, 5))[3 * 32 + 7]);
+    EXPECT_EQ(Run("map cube fv.tif").status, 2);
+    EXPECT_EQ(Run("map nothing fv.tif").status, 2);
+}
+
+TEST_F(HostCliTest, ScriptsReachTheMappingEntryPoints)
+{
+    ImageHeaderType* item = MakeSampleForceMapping(nullptr, false);
+    ASSERT_EQ(saveTiffImage(item, Path("fc.tif").c_str(), 0), 0);
+    HostRun run = Run("run -", "OpenSTMData 0 fc.tif\nIsFCMappingData\nIsFVMappingData\nGetCITSCurrentImageVoltages\n");
+    ASSERT_EQ(run.status, 0) << run.err;
+    std::string expected = "IsFCMappingData = 1\nIsFVMappingData = 0\nGetCITSCurrentImageVoltages = 128\n";
+    for (int k = 0; k < 128; ++k) {
+        char line[64];
+        std::snprintf(line, sizeof line, "%.9g\n", static_cast<double>(static_cast<float>(SampleForceMappingZ(k))));
+        expected += line;
+    }
+    EXPECT_TRUE(Contains(run.out, expected)) << run.out;
 }

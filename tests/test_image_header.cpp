@@ -250,7 +250,7 @@ TEST_F(ImageHeaderTest, CopyImageHeaderWithNullArgumentsReports)
 TEST_F(ImageHeaderTest, CopyImageHeaderCopiesHitDataOnlyWithTheFlagAndAMapping)
 {
     ImageHeaderType* source = NewRecord(64, 64);
-    ASSERT_EQ(AllocateHeaderMemory_LMCThresholdHitDataPtr(source, 4, 4), 0);
+    ASSERT_TRUE(AllocateHitRecords(source, 4, 4));
     source->CITSHeader = 1;
     source->LMCThreshold1On = 1;
     source->LMCHitDataPtr[0] = 0x5A;
@@ -271,7 +271,7 @@ TEST_F(ImageHeaderTest, CopyImageHeaderCopiesHitDataOnlyWithTheFlagAndAMapping)
 TEST_F(ImageHeaderTest, CopyImageHeaderWithNeitherThresholdOnReports)
 {
     ImageHeaderType* source = NewRecord(64, 64);
-    ASSERT_EQ(AllocateHeaderMemory_LMCThresholdHitDataPtr(source, 2, 2), 0);
+    ASSERT_TRUE(AllocateHitRecords(source, 2, 2));
     source->CITSHeader = 1;
     ImageHeaderType* d = NewRecord(16, 16);
     EXPECT_EQ(CopyImageHeader(d, source, 1), 0);
@@ -283,7 +283,7 @@ TEST_F(ImageHeaderTest, CopyImageHeaderWithNeitherThresholdOnReports)
 TEST_F(ImageHeaderTest, CopyImageHeaderReportsAFailedHitDataCopy)
 {
     ImageHeaderType* source = NewRecord(64, 64);
-    ASSERT_EQ(AllocateHeaderMemory_LMCThresholdHitDataPtr(source, 2, 2), 0);
+    ASSERT_TRUE(AllocateHitRecords(source, 2, 2));
     source->CITSHeader = 1;
     source->LMCThreshold2On = 1;
     ImageHeaderType* d = NewRecord(16, 16);

@@ -1504,7 +1504,7 @@ TEST_F(OldRevisionTest, CrossSectionStepFreesHitDataThatWasReadForTheOldFlag)
 {
     Rec in = OldRecord(604, 0, 16, 0);
     const size_t before = LiveBlockCount();
-    ASSERT_EQ(AllocateHeaderMemory_LMCThresholdHitDataPtr(in.r(), 16, 16), 0);
+    ASSERT_TRUE(AllocateHitRecords(in.r(), 16, 16));
     ASSERT_NE(in.r()->LMCHitDataPtr, nullptr);
     ASSERT_NE(in.r()->LMCThresholdHitDataPtr, 0u);
     UpdateOldImageHeader(in.r(), 0);

@@ -547,26 +547,29 @@ TEST_F(TiffReadTest, ALoadWhoseFFTBlockFailsReportsFailureAndLeavesTheListAsItWa
     ExpectRefused(Path("fl2.tif"), "Data file too short");
 }
 
-TEST_F(TiffReadTest, AMappingBlockIsNotReadYetAndTheLoadFailsWithTheListUnchanged)
+TEST_F(TiffReadTest, AMappingFlagWithoutItsBlockCostsOnlyTheSet)
 {
     std::string f = SavedFile("map.tif");
     PutAt<uint32_t>(f, 10 + 702, 1);
     WriteFileBytes(Path("map2.tif"), f);
-    const size_t blocks = LiveBlockCount();
-    EXPECT_EQ(LoadImageFile(Path("map2.tif").c_str(), 0, 1, 1), 1);
-    EXPECT_EQ(FirstItem, nullptr);
-    EXPECT_EQ(LiveBlockCount(), blocks);
-    EXPECT_TRUE(Contains(ReadLog(), "ERROR : Program error - ReadMappingBlock"));
+    EXPECT_EQ(LoadImageFile(Path("map2.tif").c_str(), 0, 1, 1), 0);
+    ASSERT_NE(CurrentItem, nullptr);
+    EXPECT_EQ(CurrentItem->CITSHeader, 0u);
+    EXPECT_EQ(CurrentItem->CITSHeaderPtr, nullptr);
+    ASSERT_EQ(host.messageBoxes.size(), 1u);
+    EXPECT_EQ(host.messageBoxes[0].text, "Data file too short");
 }
 
-TEST_F(TiffReadTest, HitDataWithoutTheirMappingAreNotReadAndTheLoadFails)
+TEST_F(TiffReadTest, HitDataWithoutTheirMappingAreRefusedAndTheImageLoads)
 {
     std::string f = SavedFile("hit.tif");
     PutAt<uint32_t>(f, 10 + 3392, 1);
     WriteFileBytes(Path("hit2.tif"), f);
-    EXPECT_EQ(LoadImageFile(Path("hit2.tif").c_str(), 0, 1, 1), 1);
-    EXPECT_EQ(FirstItem, nullptr);
-    EXPECT_TRUE(Contains(ReadLog(), "ERROR : Program error - ReadHitData"));
+    EXPECT_EQ(LoadImageFile(Path("hit2.tif").c_str(), 0, 1, 1), 0);
+    ASSERT_NE(CurrentItem, nullptr);
+    EXPECT_EQ(CurrentItem->LMCThresholdHitDataPtr, 0u);
+    EXPECT_EQ(CurrentItem->LMCHitDataPtr, nullptr);
+    EXPECT_TRUE(Contains(ReadLog(), "ERROR : Program error - AllocateHeaderMemory_LMCThresholdHitDataPtr 0 0"));
 }
 
 TEST_F(TiffReadTest, StoredBlockFlagsOfAnOldReaderWithoutTheirBlocksAreCleared)

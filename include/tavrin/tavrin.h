@@ -26,5 +26,6 @@
 #include "tavrin/dl_image_math.h"
 #include "tavrin/dl_fft.h"
 #include "tavrin/dl_particles.h"
+#include "tavrin/dl_mapping.h"
 
 #endif

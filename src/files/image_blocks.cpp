@@ -1,16 +1,27 @@
 #include "files/image_blocks.h"
 #include "files/attached_spectra.h"
+#include "files/cits_file.h"
 #include "host/errors.h"
+#include "store/cits_memory.h"
 #include "store/image_header.h"
 #include "store/memory.h"
 
+#include <cstring>
+
 namespace {
+
+// The set, if one was read, and its hit data.
+void DropMapping(ImageHeaderType* record)
+{
+    if (record->CITSHeaderPtr) DeallocateCITSDataSet(record->CITSHeaderPtr);
+    SetCITSBlock(record, nullptr);
+    FreeHitData(record);
+}
 
 void ClearMappingAndFollowers(ImageHeaderType* record)
 {
-    SetCITSBlock(record, nullptr);
+    DropMapping(record);
     FreeSPSRefChain(record);
-    FreeHitData(record);
 }
 
 } // namespace
@@ -60,12 +71,7 @@ int ReadFFTBlock(FileHandle file, ImageHeaderType* record)
     return 1;
 }
 
-int ReadMappingBlock(FileHandle, ImageHeaderType*)
-{
-    // The mapping data set has no reader yet: a file that carries one is not read.
-    ProgramError("ReadMappingBlock");
-    return 0;
-}
+int ReadMappingBlock(FileHandle file, ImageHeaderType* record) { return LoadCITSDataSet(file, record); }
 
 int ReadAttachedSpectra(FileHandle file, ImageHeaderType* record)
 {
@@ -74,15 +80,16 @@ int ReadAttachedSpectra(FileHandle file, ImageHeaderType* record)
     return 1;
 }
 
-int ReadHitData(FileHandle, ImageHeaderType*)
+int ReadHitData(FileHandle file, ImageHeaderType* record)
 {
-    // Hit data belong to the mapping data set, which has no reader yet.
-    ProgramError("ReadHitData");
-    return 0;
+    // Records that are short or bad cost the whole set; records that could not be allocated
+    // only themselves.
+    return LoadLMCThresholdHitData(file, record) == 0 ? 1 : 0;
 }
 
-int ReadBlocksBehindPixels(FileHandle file, ImageHeaderType* record, bool fftOnly)
+int ReadBlocksBehindPixels(FileHandle file, ImageHeaderType* record, bool fftOnly, bool* imageKept)
 {
+    if (imageKept) *imageKept = false;
     if (record->FFTData) {
         if (!ReadFFTBlock(file, record)) {
             SetFFTBlock(record, nullptr);
@@ -94,6 +101,7 @@ int ReadBlocksBehindPixels(FileHandle file, ImageHeaderType* record, bool fftOnl
     if (record->CITSHeader) {
         if (!ReadMappingBlock(file, record)) {
             ClearMappingAndFollowers(record);
+            if (imageKept) *imageKept = true;
             return 0;
         }
     }
@@ -102,8 +110,9 @@ int ReadBlocksBehindPixels(FileHandle file, ImageHeaderType* record, bool fftOnl
     }
     if (record->LMCThresholdHitDataPtr) {
         if (!ReadHitData(file, record)) {
-            // Without its hit data the mapping goes too.
-            ClearMappingAndFollowers(record);
+            // Without its hit data the mapping goes too; the spectra read before them stay.
+            DropMapping(record);
+            if (imageKept) *imageKept = true;
             return 0;
         }
     }
@@ -122,8 +131,8 @@ void FreeLoadedBlocks(ImageHeaderType* record)
 {
     efree(record->FFTDataPtr);
     SetFFTBlock(record, nullptr);
+    DropMapping(record);
     FreeSPSRefChain(record);
-    FreeHitData(record);
 }
 
 int WriteFFTBlock(FileHandle file, const ImageHeaderType* record)
@@ -136,10 +145,19 @@ int WriteFFTBlock(FileHandle file, const ImageHeaderType* record)
     return 1;
 }
 
-long long MappingBlockBytes(const ImageHeaderType*)
+long long MappingBlockBytes(const ImageHeaderType* record) { return CITSBlockBytes(record); }
+
+int WriteMappingBlock(FileHandle file, const ImageHeaderType* record) { return SaveCITSDataSet(file, record); }
+
+int WriteHitData(FileHandle file, const ImageHeaderType* record) { return SaveLMCThresholdHitData(file, record) == 0 ? 1 : 0; }
+
+void ClearUnwrittenBlockFlags(const ImageHeaderType* record, uint8_t* stored)
 {
-    // The mapping block has no writer yet, so no image file carries one.
-    return 0;
+    // A set of 0 images has no block in the file, and its hit data go with it.
+    if (!record->CITSHeaderPtr || record->CITSHeaderPtr->ni >= 1) return;
+    const uint32_t none = 0;
+    std::memcpy(stored + offsetof(ImageHeaderType, CITSHeader), &none, sizeof none);
+    std::memcpy(stored + offsetof(ImageHeaderType, LMCThresholdHitDataPtr), &none, sizeof none);
 }
 
 int WriteAttachedSpectra(FileHandle file, const ImageHeaderType* record, int referring, int attached)

@@ -5,10 +5,12 @@
 // the degrade rules: a failed FFT block clears FFTData, CITSHeader, SPSRefData and
 // LMCThresholdHitDataPtr; a failed mapping block clears CITSHeader, SPSRefData and
 // LMCThresholdHitDataPtr; a failed hit data block frees the mapping and clears its pointers.
-// Each of these makes the chain's result 0.
+// Each of these makes the chain's result 0. A failed mapping or hit data block costs only the
+// set: the image itself stands.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "platform/files.h"
 #include "tavrin/image_header.h"
@@ -22,8 +24,9 @@ int ReadHitData(FileHandle file, ImageHeaderType* record);
 
 // The blocks that follow the pixels, from the file's position. `fftOnly`: the reader of the
 // oldest revisions, behind whose pixels only an FFT block may follow. Answers 1, or 0 when a
-// block failed (the record then holds only what it could keep).
-int ReadBlocksBehindPixels(FileHandle file, ImageHeaderType* record, bool fftOnly);
+// block failed (the record then holds only what it could keep). `imageKept` (may be null) tells
+// whether a failure cost only the mapping set, so that the image itself may still be kept.
+int ReadBlocksBehindPixels(FileHandle file, ImageHeaderType* record, bool fftOnly, bool* imageKept = nullptr);
 
 // After a load the stored block flags of the record say exactly which blocks it holds in
 // memory: a flag without its block is cleared.
@@ -37,6 +40,12 @@ int WriteFFTBlock(FileHandle file, const ImageHeaderType* record);
 // Bytes the mapping block takes in the file of this record (the palette of an 8-bit file
 // stands behind it).
 long long MappingBlockBytes(const ImageHeaderType* record);
+// The mapping block and the hit data of the record (nothing when it has none): 1 on success.
+int WriteMappingBlock(FileHandle file, const ImageHeaderType* record);
+int WriteHitData(FileHandle file, const ImageHeaderType* record);
+// In the stored copy of the record that goes into a file, the flags of blocks the file will not
+// hold are cleared.
+void ClearUnwrittenBlockFlags(const ImageHeaderType* record, uint8_t* stored);
 // Writes the spectra that refer to the image (`referring` of them) and then the chain of
 // attached spectra (up to `attached`); answers how many were written.
 int WriteAttachedSpectra(FileHandle file, const ImageHeaderType* record, int referring, int attached);

@@ -1,8 +1,10 @@
 #include "files/mapping_entry_sources.h"
+#include "mapping/cits.h"
 
 namespace {
 
-MappingEntryWalker g_walker = nullptr;
+// The entries of a set as the mapping module lays them out.
+MappingEntryWalker g_walker = WalkCITSEntrySourceWords;
 
 } // namespace
 

@@ -2,9 +2,9 @@
 //
 // Two upgrade steps recode the source word (`data_type`) of every image entry of a record's
 // mapping set together with the record's own fields. The upgrade does not know the layout of a
-// mapping set; the mapping module plugs a walker in here that hands each entry's word to the
-// visitor. Without a walker, or for a record without a mapping set, there are no entries and
-// the steps act on the record alone.
+// mapping set; the walker of the mapping module, installed from the start, hands each entry's
+// word to the visitor. Without a walker, or for a record without a mapping set, there are no
+// entries and the steps act on the record alone.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,5 @@
 #include "files/sample_data.h"
+#include "files/sample_support.h"
 #include "host/text.h"
 #include "store/data_list.h"
 #include "store/image_header.h"
@@ -44,28 +45,6 @@ void CommonFields(ImageHeaderType* r, const char* title, const char* fileName)
     r->ProcessListOff = 0;
 }
 
-// A new image item holding the heights, packed to the full code range.
-ImageHeaderType* ImageFromHeights(ImageHeaderType* after, const std::vector<double>& z, int n)
-{
-    ImageHeaderType* item = AllocateListItem(after);
-    if (!item) return nullptr;
-    MemHandleType pixels;
-    if (!AllocateMem(static_cast<size_t>(n) * n, 2, &pixels)) {
-        UnlinkListItem(item);
-        return nullptr;
-    }
-    InitImageHeader(item, n, n);
-    item->PixHandle = pixels.Handle;
-    item->PixData = static_cast<uint16_t*>(pixels.Ptr);
-    auto [lo, hi] = std::minmax_element(z.begin(), z.end());
-    double range = *hi - *lo > 0 ? *hi - *lo : 1.0;
-    for (size_t i = 0; i < z.size(); ++i)
-        item->PixData[i] = static_cast<uint16_t>(std::lround((z[i] - *lo) / range * 65535.0));
-    item->Zlo = static_cast<float>(*lo);
-    item->Zhi = static_cast<float>(*lo + range);
-    return item;
-}
-
 ImageHeaderType* SpectrumFromSamples(ImageHeaderType* after, const std::vector<double>& x,
                                      const std::vector<double>& y)
 {
@@ -108,6 +87,28 @@ void PlaceParticles(SampleParticle* out)
 
 } // namespace
 
+// A new image item holding the heights, packed to the full code range.
+ImageHeaderType* SampleImageFromHeights(ImageHeaderType* after, const std::vector<double>& z, int n)
+{
+    ImageHeaderType* item = AllocateListItem(after);
+    if (!item) return nullptr;
+    MemHandleType pixels;
+    if (!AllocateMem(static_cast<size_t>(n) * n, 2, &pixels)) {
+        UnlinkListItem(item);
+        return nullptr;
+    }
+    InitImageHeader(item, n, n);
+    item->PixHandle = pixels.Handle;
+    item->PixData = static_cast<uint16_t*>(pixels.Ptr);
+    auto [lo, hi] = std::minmax_element(z.begin(), z.end());
+    double range = *hi - *lo > 0 ? *hi - *lo : 1.0;
+    for (size_t i = 0; i < z.size(); ++i)
+        item->PixData[i] = static_cast<uint16_t>(std::lround((z[i] - *lo) / range * 65535.0));
+    item->Zlo = static_cast<float>(*lo);
+    item->Zhi = static_cast<float>(*lo + range);
+    return item;
+}
+
 void SampleTopographyParticles(SampleParticle out[SampleTopography::kParticleCount]) { PlaceParticles(out); }
 
 ImageHeaderType* MakeSampleTopography(ImageHeaderType* after)
@@ -138,7 +139,7 @@ ImageHeaderType* MakeSampleTopography(ImageHeaderType* after)
             z[static_cast<size_t>(row) * kSize + col] = h;
         }
     }
-    ImageHeaderType* item = ImageFromHeights(after, z, kSize);
+    ImageHeaderType* item = SampleImageFromHeights(after, z, kSize);
     if (!item) return nullptr;
     CommonFields(item, "Au(111) terraces with clusters", "Sample topography");
     item->ImageSizeX = item->ImageSizeY = kSizeNm;
@@ -176,7 +177,7 @@ ImageHeaderType* MakeSampleLattice(ImageHeaderType* after)
             z[static_cast<size_t>(row) * kSize + col] = kCorrugation * h / 3 + kNoise * random.Normal();
         }
     }
-    ImageHeaderType* item = ImageFromHeights(after, z, kSize);
+    ImageHeaderType* item = SampleImageFromHeights(after, z, kSize);
     if (!item) return nullptr;
     CommonFields(item, "Graphite lattice, drift", "Sample lattice");
     item->ImageSizeX = item->ImageSizeY = kSizeNm;

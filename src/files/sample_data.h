@@ -87,3 +87,79 @@ struct SampleParticle {
     double y;
 };
 void SampleTopographyParticles(SampleParticle out[SampleTopography::kParticleCount]);
+
+// SPS Mapping samples: a topography image with its set. Every image k of a set holds the model
+// at the sweep value of its entry, in codes between the set's lowest and highest model value
+// (z_low, z_high the same for every image), so that each pixel decodes to the model within one
+// code step. Pixel (x, y) is column x, row y.
+
+// I-V mapping, 64 x 64 pixels over 50 nm, 128 bias values from -1 V to +1 V (image k at
+// -1 + 2k / 127 V), linear current in nA:
+//   I = G (V + kCubic V^3), G = kConductanceA where x + y / 2 < kDomainEdge, else kConductanceB.
+// Topography: kDomainStep nm higher on domain B, plus a tilt of kTilt nm per pixel along x.
+namespace SampleIVMapping {
+constexpr int kSize = 64;
+constexpr int kImages = 128;
+constexpr float kSizeNm = 50.0f;
+constexpr double kLowBias = -1.0, kHighBias = 1.0;   // V
+constexpr double kConductanceA = 0.5;                // nA per V
+constexpr double kConductanceB = 1.5;
+constexpr double kCubic = 1.5;                       // per V^2
+constexpr double kDomainEdge = 48.0;                 // pixels
+constexpr double kDomainStep = 0.3;                  // nm
+constexpr double kTilt = 0.01;                       // nm per pixel
+} // namespace SampleIVMapping
+
+// Force-curve mapping, 64 x 64 pixels over 1000 nm, 128 Z displacements: images 0 to 63 approach
+// from 0 to kTravel nm, images 64 to 127 retract from kTravel back to 0 (image k at
+// kTravel * k / 63, then kTravel * (127 - k) / 63). Force in nN, contact at z_c:
+//   approach: F = 0 for z < z_c, kStiffness (z - z_c) from z_c on;
+//   retract:  F = kStiffness (z - z_c) for z >= z_c - L (the tip sticks), 0 below z_c - L;
+//   pull-off L = kPullOffInside nm within kDiscRadius pixels of (kDiscX, kDiscY), else
+//   kPullOffOutside; z_c = kContact, or kContact - kStep where x >= kStepColumn when the sample
+//   has its step (the surface is kStep nm higher there, so the tip meets it earlier).
+// Topography: 0 nm, or kStep nm where x >= kStepColumn with the step.
+// Hit data: threshold 1 (kThreshold nN below zero) is hit at every pixel whose pull-off force
+// kStiffness * L exceeds it: hit 1, channel 16, position z_c - L.
+namespace SampleForceMapping {
+constexpr int kSize = 64;
+constexpr int kImages = 128;
+constexpr float kSizeNm = 1000.0f;
+constexpr double kTravel = 100.0;          // nm
+constexpr double kStiffness = 0.5;         // nN per nm
+constexpr double kContact = 60.0;          // nm
+constexpr double kPullOffOutside = 4.0;    // nm
+constexpr double kPullOffInside = 12.0;    // nm
+constexpr double kDiscX = 32.0, kDiscY = 32.0, kDiscRadius = 12.0;   // pixels
+constexpr double kStep = 10.0;             // nm
+constexpr int kStepColumn = 40;
+constexpr double kThreshold = 4.0;         // nN of pull-off
+} // namespace SampleForceMapping
+
+// F-V mapping, 32 x 32 pixels over 200 nm, 81 bias values from -2 V to +2 V (image k at
+// -2 + k / 20 V), force in nN:
+//   F = kCurvature (V + V0(x))^2 + kOffset, V0(x) = kV0Left + (kV0Right - kV0Left) x / 31.
+// Topography: flat, 0.2 nm higher where x >= 16.
+namespace SampleFVMapping {
+constexpr int kSize = 32;
+constexpr int kImages = 81;
+constexpr float kSizeNm = 200.0f;
+constexpr double kLowBias = -2.0, kBiasStep = 0.05;   // V
+constexpr double kCurvature = 0.2;                   // nN per V^2
+constexpr double kOffset = -1.0;                     // nN
+constexpr double kV0Left = -0.5, kV0Right = 0.5;     // V
+} // namespace SampleFVMapping
+
+// The model values of pixel (x, y) at image k of each set.
+double SampleIVMappingValue(int x, int y, int k);
+double SampleForceMappingValue(int x, int y, int k, bool step);
+double SampleFVMappingValue(int x, int y, int k);
+// The sweep value of image k of each set.
+double SampleIVMappingBias(int k);
+double SampleForceMappingZ(int k);
+double SampleFVMappingBias(int k);
+
+ImageHeaderType* MakeSampleIVMapping(ImageHeaderType* after);
+ImageHeaderType* MakeSampleForceMapping(ImageHeaderType* after, bool step);
+ImageHeaderType* MakeSampleForceMappingWithStep(ImageHeaderType* after);
+ImageHeaderType* MakeSampleFVMapping(ImageHeaderType* after);

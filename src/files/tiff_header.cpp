@@ -134,6 +134,7 @@ int WRITE_TIFF_HEADER(FileHandle file, ImageHeaderType* record)
     Put<uint32_t>(g_header + 4, kIfdOffset);
     Put<uint16_t>(g_header + 8, kIfdReserve);
     std::memcpy(g_header + kRecordOffset, record, TAVRIN_HEADER_STORED_BYTES);
+    ClearUnwrittenBlockFlags(record, g_header + kRecordOffset);
     Put<uint16_t>(g_header + kIfdOffset, kEntryCount);
     Put<uint32_t>(g_header + kNextIfdOffset, 0);
     std::memset(g_header + kValueAreaOffset, 0, kValueAreaBytes);

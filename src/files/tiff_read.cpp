@@ -178,7 +178,9 @@ bool ReadImage(FileHandle file, ImageHeaderType* scratch, bool headerOnly)
     scratch->PixData = static_cast<uint16_t*>(pair.Ptr);
     const bool old = IsOldPixelLayout(scratch);
     if (!(old ? ReadPixelsUptoVer103(file, scratch) : ReadPixelsVer104Later(file, scratch))) return false;
-    if (!headerOnly && !ReadBlocksBehindPixels(file, scratch, old)) return false;
+    bool imageKept = false;
+    // A damaged mapping block or hit data cost the set, never the image it was measured with.
+    if (!headerOnly && !ReadBlocksBehindPixels(file, scratch, old, &imageKept) && !imageKept) return false;
     UpdateOldImageHeader(scratch, 0);
     // What an image file brings into the list is an image: pixels under any other class
     // would be taken for samples.

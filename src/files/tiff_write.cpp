@@ -87,8 +87,9 @@ bool WriteImage(FileHandle file, ImageHeaderType* record, int bitno, uint8_t* ro
     }
     if (!WritePixels(file, record, bitno, row)) return false;
     if (record->FFTData && !WriteFFTBlock(file, record)) return false;
+    if (!WriteMappingBlock(file, record)) return false;
     const int written = WriteAttachedSpectra(file, record, referring, attached);
-    return FixSpectrumCount(file, record, written);
+    return FixSpectrumCount(file, record, written) && WriteHitData(file, record);
 }
 
 } // namespace

@@ -1,25 +1,27 @@
 #include "store/data_list_mapping.h"
+#include "store/cits_memory.h"
+#include "store/data_list.h"
 #include "store/image_header.h"
 
 bool HasMappingSet(const ImageHeaderType* item) { return item && item->CITSHeaderPtr != nullptr; }
 
-bool IsForceCurveMapping(const ImageHeaderType*)
+bool IsForceCurveMapping(const ImageHeaderType* item)
 {
-    // The mapping subsystem reads the kind of the set here. Until it exists no set can be read,
-    // and no item counts as a force-curve mapping.
-    return false;
+    return HasMappingSet(item) && (item->MapType == 15 || item->MapType == 51);
 }
 
-int MappingSquareSize(const ImageHeaderType*)
+int MappingSquareSize(const ImageHeaderType* item)
 {
-    // The mapping subsystem reads `cx` and `cy` of the set here. Until it exists no set can be
-    // read, and the answer is that of an image without a set.
-    return 0;
+    return IsSquareMappingImage(item) ? item->CITSHeaderPtr->cx : 0;
 }
 
 void ReleaseMappingSet(ImageHeaderType* item)
 {
-    // The mapping subsystem frees the set here when this was the last item that points at it.
-    // Until it exists no set is ever allocated, and the item only lets go of the pointer.
+    CITSHeaderType* set = item ? item->CITSHeaderPtr : nullptr;
+    if (!set) return;
     SetCITSBlock(item, nullptr);
+    // Items split off an image share its set: the set goes with the last of them.
+    for (const ImageHeaderType* other = FirstItem; other; other = other->Next)
+        if (other != item && other->CITSHeaderPtr == set) return;
+    DeallocateCITSDataSet(set);
 }

@@ -3,6 +3,7 @@
 #include "display/default_tables.h"
 #include "host/errors.h"
 #include "platform/clock.h"
+#include "store/data_types.h"
 #include "store/memory.h"
 
 #include <cstring>
@@ -238,17 +239,13 @@ int CopyImageHeader(ImageHeaderType* destination, const ImageHeaderType* source,
             ProgramError("CopyImageHeadersrc  %d %d", source->LMCThreshold1On, source->LMCThreshold2On);
             return 0;
         }
-        size_t bytes = static_cast<size_t>(source->LMCHitDataCx) * source->LMCHitDataCy * kHitRecordBytes;
-        auto* copy = static_cast<uint8_t*>(emalloc(bytes));
-        if (!copy) {
+        // New records of the same size take a copy: two records never share one block.
+        if (!AllocateHitRecords(destination, source->LMCHitDataCx, source->LMCHitDataCy)) {
             ProgramError("CopyImageHeader 2");
             return 1;
         }
-        std::memcpy(copy, source->LMCHitDataPtr, bytes);
-        destination->LMCHitDataPtr = copy;
-        destination->LMCHitDataCx = source->LMCHitDataCx;
-        destination->LMCHitDataCy = source->LMCHitDataCy;
-        destination->LMCThresholdHitDataPtr = 1;
+        const size_t bytes = static_cast<size_t>(source->LMCHitDataCx) * source->LMCHitDataCy * kHitRecordBytes;
+        std::memcpy(destination->LMCHitDataPtr, source->LMCHitDataPtr, bytes);
     }
     return 0;
 }
@@ -274,28 +271,7 @@ void FreeHeader(ImageHeaderType* record)
     efree(record);
 }
 
-uint32_t AdcSrc2DataSource(uint32_t adcSrc)
-{
-    switch (adcSrc) {
-    case 1: return 1;
-    case 2: return 21;
-    case 4: return 2;
-    case 8: return 3;
-    case 16: return 8;
-    case 32: return 10;
-    case 128: return 18;
-    case 256: return 19;
-    case 512: return 11;
-    case 2048: return 5;
-    case 4096: return 6;
-    case 0x20000: return 9;
-    case 0x40000: return 17;
-    case 0x600000: return 22;
-    case 0x600001: return 23;
-    case 0x600002: return 24;
-    default: return 4;
-    }
-}
+uint32_t AdcSrc2DataSource(uint32_t adcSrc) { return GetImageDisplayType(adcSrc); }
 
 int16_t View3DOpen(const ImageHeaderType* record)
 {

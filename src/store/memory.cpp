@@ -2,6 +2,7 @@
 #include "host/errors.h"
 #include "host/globals.h"
 #include "host/log.h"
+#include "store/cits_memory.h"
 #include "store/image_header.h"
 #include "platform/large_blocks.h"
 
@@ -227,32 +228,40 @@ ImageHeaderType* AllocateHeader()
     return record;
 }
 
-int AllocateHeaderMemory_LMCThresholdHitDataPtr(ImageHeaderType* record, int cx, int cy)
+bool AllocateHitRecords(ImageHeaderType* record, int cx, int cy)
 {
-    if (!record) {
-        ProgramError("AllocateHeaderMemory_LMCThresholdHitDataPtr %p", static_cast<void*>(record));
-        return -1;
-    }
-    if (cx <= 0 || cx != cy) {
-        ProgramError("AllocateHeaderMemory_LMCThresholdHitDataPtr %d %d", cx, cy);
-        return -1;
-    }
-    if (record->LMCHitDataPtr) {
-        ProgramError("AllocateHeaderMemory_LMCThresholdHitDataPtr %p", static_cast<void*>(record->LMCHitDataPtr));
-        return -1;
-    }
-    size_t records = static_cast<size_t>(cx) * static_cast<size_t>(cy);
+    if (!record || cx <= 0 || cy <= 0 || record->LMCHitDataPtr) return false;
+    const size_t records = static_cast<size_t>(cx) * static_cast<size_t>(cy);
     auto* block = static_cast<uint8_t*>(ecalloc(records, kHitRecordBytes));
-    if (!block) {
-        Error(ERR_NO_MEMORY_THRESHOLD);
-        return -1;
-    }
+    if (!block) return false;
     const float largest = FLT_MAX;
     for (size_t i = 0; i < records; ++i) std::memcpy(block + i * kHitRecordBytes + 6, &largest, sizeof largest);
     record->LMCHitDataPtr = block;
     record->LMCHitDataCx = cx;
     record->LMCHitDataCy = cy;
     record->LMCThresholdHitDataPtr = 1;
+    return true;
+}
+
+int AllocateHeaderMemory_LMCThresholdHitDataPtr(ImageHeaderType* record, int cx, int cy)
+{
+    if (!record) {
+        ProgramError("AllocateHeaderMemory_LMCThresholdHitDataPtr im=NULL");
+        return -1;
+    }
+    if (!IsSquareMappingImage(record)) {
+        ProgramError("AllocateHeaderMemory_LMCThresholdHitDataPtr %d %d", cx, cy);
+        return -1;
+    }
+    if (record->LMCHitDataPtr) {
+        ProgramError("AllocateHeaderMemory_LMCThresholdHitDataPtr LMCThresholdHitDataPtr=%d",
+                     static_cast<int>(record->LMCThresholdHitDataPtr));
+        return -1;
+    }
+    if (!AllocateHitRecords(record, cx, cy)) {
+        Error(ERR_NO_MEMORY_THRESHOLD);
+        return -1;
+    }
     return 0;
 }
 

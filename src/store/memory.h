@@ -40,9 +40,14 @@ void* erealloc(void* block, size_t bytes);
 void efree(void* block);
 void efree_check(void* block);      // frees only a block the registry knows
 
-// Threshold hit data of a force-curve mapping: cx * cy records of 74 bytes. -1 or 0.
+// Threshold hit data of a force-curve mapping: cx * cy records of 74 bytes. -1 or 0. Refuses
+// (program error) a null record, a record that fails the square mapping test and a record that
+// holds hit data already; 32831 when memory is out.
 constexpr size_t kHitRecordBytes = 74;
 int AllocateHeaderMemory_LMCThresholdHitDataPtr(ImageHeaderType* record, int cx, int cy);
+// The records themselves, zeroed, each position the largest finite f32: no test of the record
+// beyond a free pointer and a positive size, and no report. False when not taken.
+bool AllocateHitRecords(ImageHeaderType* record, int cx, int cy);
 void FreeHitData(ImageHeaderType* record);
 
 // The debug walk: bytes in use (and, in debug mode, the counts in the log).

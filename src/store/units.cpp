@@ -200,7 +200,7 @@ float GetImageDataValue(int calibrated, float code, const ImageHeaderType* r)
             value = static_cast<float>(zlo > 0 ? magnitude : -magnitude);
         }
     } else if (source == 1 || source == 2 || (source >= 4 && source <= 27)) {
-        value = code * (zhi - zlo) / 65535.0f + zlo;
+        value = LinearCodeValue(code, zlo, zhi);
     } else {
         ProgramError("GetImageDataValue DataSource=%d", static_cast<int>(source));
     }

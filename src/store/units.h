@@ -30,6 +30,9 @@ const char* AreaUnits();
 // An LIA1 channel of a force mapping whose twist fields are set: it converts to a force.
 bool IsTwistForceItem(const ImageHeaderType* record);
 
+// The linear decoding of a pixel code between the values of codes 0 and 65535, in f32 as every
+// linear scale of the library computes it: code * (high - low) / 65535 + low.
+inline float LinearCodeValue(float code, float low, float high) { return code * (high - low) / 65535.0f + low; }
 // The physical value of a pixel code (a fraction between codes is allowed). With `calibrated`
 // set, the value is converted further by the cantilever calibration.
 float GetImageDataValue(int calibrated, float code, const ImageHeaderType* record);

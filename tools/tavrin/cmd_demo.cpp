@@ -1,10 +1,12 @@
 // tavrin demo [--out DIR]: the tour of the built-in sample data. Makes the sample set, saves
 // each item in the system's own file format, clears the data list, loads the files again,
-// checks that every item came back with the same data, and renders the images as a user's
-// window shows them: plain, shaded, contour and the full display.
+// checks that every item came back with the same data (of a mapping also its set), and
+// renders the images as a user's window shows them: plain, shaded, contour and the full
+// display.
 #include "command_line.h"
 #include "files/sample_data.h"
 #include "item_info.h"
+#include "mapping/cits.h"
 #include "items.h"
 #include "picture.h"
 #include "session.h"
@@ -42,10 +44,28 @@ const DemoPicture kLatticePictures[] = {
     {"shaded", {1, -1, -1, false}},
 };
 
+void Append(std::vector<unsigned char>& data, const void* bytes, size_t count)
+{
+    const auto* p = static_cast<const unsigned char*>(bytes);
+    data.insert(data.end(), p, p + count);
+}
+
+// The data block, and of an image with an SPS Mapping set the stored part of every entry, every
+// plane and the hit records.
 std::vector<unsigned char> DataOf(const ImageHeaderType* item)
 {
-    const auto* p = static_cast<const unsigned char*>(static_cast<const void*>(item->PixData));
-    return p ? std::vector<unsigned char>(p, p + DataBlockBytes(item)) : std::vector<unsigned char>();
+    std::vector<unsigned char> data;
+    if (item->PixData) Append(data, item->PixData, DataBlockBytes(item));
+    const CITSHeaderType* set = item->CITSHeaderPtr;
+    if (!set) return data;
+    const size_t plane = static_cast<size_t>(set->cx) * static_cast<size_t>(set->cy) * 2;
+    for (int k = 0; k < set->ni; ++k) {
+        Append(data, CITSEntry(set, k), TAVRIN_CITS_ENTRY_STORED_BYTES);
+        Append(data, CITSPixels(CITSEntry(set, k)), plane);
+    }
+    if (item->LMCHitDataPtr)
+        Append(data, item->LMCHitDataPtr, static_cast<size_t>(item->LMCHitDataCx) * item->LMCHitDataCy * TAVRIN_LMC_HIT_BYTES);
+    return data;
 }
 
 bool RenderPictures(DemoItem& item, const std::string& dir, const DemoPicture* pictures, size_t count)
@@ -75,6 +95,9 @@ int Demo(const Args& args)
         {"lattice", MakeSampleLattice, true, {}, {}, {}},
         {"iv-curve", MakeSampleIVCurve, false, {}, {}, {}},
         {"force-curve", MakeSampleForceCurve, false, {}, {}, {}},
+        {"iv-mapping", MakeSampleIVMapping, true, {}, {}, {}},
+        {"force-mapping", MakeSampleForceMappingWithStep, true, {}, {}, {}},
+        {"fv-mapping", MakeSampleFVMapping, true, {}, {}, {}},
     };
 
     // Make and save.
@@ -127,6 +150,12 @@ int Demo(const Args& args)
     std::printf("Sample truth: %d particles of radius %.0f nm on the topography; lattice constant %.3f nm.\n",
                 SampleTopography::kParticleCount, SampleTopography::kParticleRadius,
                 SampleLattice::kLatticeConstant);
+    std::printf("Mapping truth: I = G (V + %.1f V^3) with G %.1f and %.1f nA/V; pull-off %.0f nN in the disc, %.0f nN "
+                "outside; F = %.1f (V + V0)^2 %+.1f nN with V0 from %.1f to %.1f V.\n",
+                SampleIVMapping::kCubic, SampleIVMapping::kConductanceA, SampleIVMapping::kConductanceB,
+                SampleForceMapping::kStiffness * SampleForceMapping::kPullOffInside,
+                SampleForceMapping::kStiffness * SampleForceMapping::kPullOffOutside, SampleFVMapping::kCurvature,
+                SampleFVMapping::kOffset, SampleFVMapping::kV0Left, SampleFVMapping::kV0Right);
     return same == static_cast<int>(items.size()) ? 0 : 1;
 }
 

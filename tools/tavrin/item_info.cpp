@@ -1,4 +1,5 @@
 #include "item_info.h"
+#include "mapping_info.h"
 #include "store/data_list_select.h"
 #include "tavrin/tavrin.h"
 #include "store/header_json.h"
@@ -34,11 +35,13 @@ void PrintItemInfo(FILE* out, bool json)
         std::string names = "[";
         for (int i = 0; i < steps; ++i) names += (i ? ", " : "") + JsonString(history[i], std::strlen(history[i]));
         names += "]";
+        // An image with an SPS Mapping set has its set as "mapping" too.
+        const std::string mapping = item->CITSHeaderPtr ? ", \"mapping\": " + MappingJson(item) : std::string();
         std::fprintf(out,
-                     "{\"class\": %s, \"title\": %s, \"type\": %s, \"unit\": %s, \"header\": %s, \"history\": %s}\n",
+                     "{\"class\": %s, \"title\": %s, \"type\": %s, \"unit\": %s, \"header\": %s, \"history\": %s%s}\n",
                      JsonString(std::string(1, letter).c_str(), 1).c_str(), JsonString(title.c_str(), title.size()).c_str(),
                      JsonString(type, sizeof type).c_str(), JsonString(unit.c_str(), unit.size()).c_str(),
-                     HeaderToJson(item).c_str(), names.c_str());
+                     HeaderToJson(item).c_str(), names.c_str(), mapping.c_str());
         return;
     }
     std::fprintf(out, "item:   %s\n", descriptor);
@@ -54,6 +57,7 @@ void PrintItemInfo(FILE* out, bool json)
         std::fprintf(out, "size:   %d points\n", item->nx);
     }
     std::fprintf(out, "range:  %s to %s %s\n", JsonFloat(item->Zlo).c_str(), JsonFloat(item->Zhi).c_str(), unit.c_str());
+    PrintMappingInfo(out, item);
     if (steps > 0) {
         std::fprintf(out, "Processing :\n");
         for (int i = 0; i < steps; ++i) std::fprintf(out, "        %s\n", history[i]);

@@ -33,6 +33,7 @@ const std::map<std::string, Command>& CommandTable()
         {"normalise", {CommandNormalise}},
         {"fft", {CommandFft}},
         {"particles", {CommandParticles}},
+        {"map", {CommandMap}},
     };
     return table;
 }
@@ -136,6 +137,11 @@ void PrintUsage(FILE* out)
         "                          particle analysis of the grey-level band LO..HI (0 to\n"
         "                          255): prints the summary lines (JSON: the summary and every\n"
         "                          object); --isolate removes objects of N pixels and fewer\n"
+        "  map info FILE [--json]  the SPS Mapping set of the file: kind, images, sweep, data\n"
+        "                          range, hit data (--json: header, display block, images)\n"
+        "  map cube FILE -o OUT.npy [--codes]\n"
+        "                          the set as a numpy array (ni, cy, cx) of f32 physical\n"
+        "                          values, or of the u16 codes with --codes\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"

@@ -157,3 +157,18 @@ const RecordFields* FieldsOf<wint_ParticleSttsParamType>()
     static const RecordFields table = {"ParticleSttsParam", fields, sizeof fields / sizeof fields[0]};
     return &table;
 }
+
+// The cantilever block of an LM image: the threshold fields it begins with, by their place in
+// the image record (offset 3246 on); the rest of the 62 bytes is carried.
+template <>
+const RecordFields* FieldsOf<wint_LMCantileverImageParamType>()
+{
+    static const RecordField fields[] = {
+        {"Threshold1On", 0, 1, RecordField::U8},  {"Threshold2On", 1, 1, RecordField::U8},
+        {"Threshold1", 2, 8, RecordField::F64},   {"Threshold2", 10, 8, RecordField::F64},
+        {"Threshold1Dir", 18, 4, RecordField::U32}, {"Threshold2Dir", 22, 4, RecordField::U32},
+        {"SearchFrom", 26, 4, RecordField::U32},  {"SearchTo", 30, 4, RecordField::U32},
+    };
+    static const RecordFields table = {"LMCantileverParam", fields, sizeof fields / sizeof fields[0]};
+    return &table;
+}

@@ -43,3 +43,4 @@ template <> const RecordFields* FieldsOf<wint_FFTWinParamType>();
 // particles
 template <> const RecordFields* FieldsOf<wint_ParticleParamType>();
 template <> const RecordFields* FieldsOf<wint_ParticleSttsParamType>();
+template <> const RecordFields* FieldsOf<wint_LMCantileverImageParamType>();

@@ -7,6 +7,20 @@
 #include "record_fields.h"
 #include "script_call.h"
 
+namespace {
+
+std::string ScriptGetCITSCurrentImageVoltages(ScriptWords& words)
+{
+    if (words.More()) throw ScriptError("too many arguments: '" + words.positional[words.next] + "'");
+    std::vector<double> voltages(4096);
+    const int32_t count = dl_GetCITSCurrentImageVoltages(voltages.data());
+    std::string text = "= " + ResultText(count);
+    for (int32_t k = 0; k < count; ++k) text += "\n" + ResultText(voltages[static_cast<size_t>(k)]);
+    return text;
+}
+
+} // namespace
+
 const std::vector<ScriptEntry>& ScriptEntries()
 {
     static const std::vector<ScriptEntry> entries = {
@@ -207,6 +221,12 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_GetObjectStatistics),
         TAVRIN_ENTRY(dl_CompileObjectStatistics),
         TAVRIN_ENTRY(dl_StatisticsHistogram),
+        // SPS Mapping; the voltages of the current set print one a line after "= N"
+        TAVRIN_ENTRY(dl_IsFCMappingData),
+        TAVRIN_ENTRY(dl_IsFVMappingData),
+        ScriptEntry{"GetCITSCurrentImageVoltages", ScriptGetCITSCurrentImageVoltages},
+        TAVRIN_ENTRY(dl_GetLMCantileverParam),
+        TAVRIN_ENTRY(dl_SetLMCantileverParam),
     };
     return entries;
 }
