@@ -44,7 +44,8 @@ void CommonFields(ImageHeaderType* r, const char* title, const char* fileName)
     r->ProcessListOff = 0;
 }
 
-// A new image item holding the heights, packed to the full code range.
+} // namespace
+
 ImageHeaderType* ImageFromHeights(ImageHeaderType* after, const std::vector<double>& z, int n)
 {
     ImageHeaderType* item = AllocateListItem(after);
@@ -90,6 +91,8 @@ ImageHeaderType* SpectrumFromSamples(ImageHeaderType* after, const std::vector<d
     item->Zhi = static_cast<float>(*hi);
     return item;
 }
+
+namespace {
 
 void PlaceParticles(SampleParticle* out)
 {
