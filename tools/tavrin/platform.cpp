@@ -1,6 +1,7 @@
 // The platform table of the command-line host: message boxes are answered from the script's
-// queue, then from --yes / --no, then by their default button; a question nobody answered is
-// printed to standard error with the answer taken.
+// queue, then by the session's ask hook when a host set one (the Python package), else from
+// --yes / --no, then by their default button; a question nobody answered is printed to
+// standard error with the answer taken.
 #include "pick.h"
 #include "session.h"
 
