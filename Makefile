@@ -16,8 +16,10 @@ PKGS_PYTHON := $(PKGS_BUILD) python3-pybind11 pybind11-dev python3-dev python3-n
 
 # The Debian interpreter: the one whose packages above the Python package is built and tested with.
 PYTHON := /usr/bin/python3
-# AddressSanitizer's runtime, loaded first into the interpreter for the sanitised module.
-ASAN_RUNTIME = $(shell $(CXX) -print-file-name=libasan.so)
+# AddressSanitizer's runtime, loaded first into the interpreter for the sanitised module, and the
+# C++ runtime with it (the interpreter has none of its own, and the sanitizer must find the real
+# __cxa_throw when it starts).
+SANITIZER_PRELOAD = $(shell $(CXX) -print-file-name=libasan.so) $(shell $(CXX) -print-file-name=libstdc++.so)
 
 # $(call need,packages): install what is missing (as root), or print the line to run.
 define need
@@ -61,7 +63,7 @@ test: build python
 	cd $(TEST_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest -j $(JOBS) --output-on-failure --timeout 600
 	PYTHONPATH=$(BUILD)/python TAVRIN_HOST=$(BUILD)/bin/tavrin $(PYTHON) -m pytest -q -p no:cacheprovider python/tests
-	PYTHONPATH=$(TEST_BUILD)/python TAVRIN_HOST=$(TEST_BUILD)/bin/tavrin LD_PRELOAD=$(ASAN_RUNTIME) \
+	PYTHONPATH=$(TEST_BUILD)/python TAVRIN_HOST=$(TEST_BUILD)/bin/tavrin LD_PRELOAD="$(SANITIZER_PRELOAD)" \
 	  ASAN_OPTIONS=detect_leaks=0:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  $(PYTHON) -m pytest -q -p no:cacheprovider -k "not thousand" python/tests
 
