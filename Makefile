@@ -14,6 +14,14 @@ PKGS_TEST  := $(PKGS_BUILD) libgtest-dev libgmock-dev libtiff-tools python3-pil
 PKGS_BENCH := $(PKGS_BUILD) libbenchmark-dev python3-scipy python3-numpy libfftw3-dev
 PKGS_FUZZ  := $(PKGS_BUILD) clang libclang-rt-14-dev
 PKGS_COVERAGE := $(PKGS_TEST) gcovr
+PKGS_PYTHON := $(PKGS_BUILD) python3-pybind11 pybind11-dev python3-dev python3-numpy python3-pytest python3-pil
+
+# The Debian interpreter: the one whose packages above the Python package is built and tested with.
+PYTHON := /usr/bin/python3
+# AddressSanitizer's runtime, loaded first into the interpreter for the sanitised module, and the
+# C++ runtime with it (the interpreter has none of its own, and the sanitizer must find the real
+# __cxa_throw when it starts).
+SANITIZER_PRELOAD = $(shell $(CXX) -print-file-name=libasan.so) $(shell $(CXX) -print-file-name=libstdc++.so)
 
 # $(call need,packages): install what is missing (as root), or print the line to run.
 define need
@@ -29,7 +37,7 @@ define need
 	fi
 endef
 
-.PHONY: all build test demo bench fuzz coverage clean
+.PHONY: all build python test demo bench fuzz coverage clean
 
 all: build
 
@@ -38,14 +46,28 @@ build:
 	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
 	cmake --build $(BUILD) -j $(JOBS)
 
+# The Python package in the optimised tree: PYTHONPATH=$(BUILD)/python imports it.
+python: build
+	$(call need,$(PKGS_PYTHON))
+	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Release -DTAVRIN_PYTHON=ON -DPython3_EXECUTABLE=$(PYTHON) >/dev/null
+	cmake --build $(BUILD) -j $(JOBS)
+
 # The optimised tree is built first: the optimiser's warnings are errors too,
 # and the demo of a fresh clone must build.
-test: build
-	$(call need,$(PKGS_TEST))
-	cmake -S . -B $(TEST_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTAVRIN_TESTS=ON -DTAVRIN_SANITIZE=ON >/dev/null
+# The pytest suite runs twice: against the optimised package (where the resident size of the
+# memory test means something), and against the sanitised one, with AddressSanitizer loaded into
+# the interpreter, for every test but that one (the sanitizer's quarantine keeps freed blocks).
+test: build python
+	$(call need,$(PKGS_TEST) $(PKGS_PYTHON))
+	cmake -S . -B $(TEST_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTAVRIN_TESTS=ON -DTAVRIN_SANITIZE=ON \
+	  -DTAVRIN_PYTHON=ON -DPython3_EXECUTABLE=$(PYTHON) >/dev/null
 	cmake --build $(TEST_BUILD) -j $(JOBS)
 	cd $(TEST_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest -j $(JOBS) --output-on-failure --timeout 600
+	PYTHONPATH=$(BUILD)/python TAVRIN_HOST=$(BUILD)/bin/tavrin $(PYTHON) -m pytest -q -p no:cacheprovider python/tests
+	PYTHONPATH=$(TEST_BUILD)/python TAVRIN_HOST=$(TEST_BUILD)/bin/tavrin LD_PRELOAD="$(SANITIZER_PRELOAD)" \
+	  ASAN_OPTIONS=detect_leaks=0:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	  $(PYTHON) -m pytest -q -p no:cacheprovider -k "not thousand" python/tests
 
 demo: build
 	$(BUILD)/bin/tavrin demo

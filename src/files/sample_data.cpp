@@ -1,5 +1,4 @@
 #include "files/sample_data.h"
-#include "files/sample_support.h"
 #include "host/text.h"
 #include "store/data_list.h"
 #include "store/image_header.h"
@@ -45,6 +44,8 @@ void CommonFields(ImageHeaderType* r, const char* title, const char* fileName)
     r->ProcessListOff = 0;
 }
 
+} // namespace
+
 ImageHeaderType* SpectrumFromSamples(ImageHeaderType* after, const std::vector<double>& x,
                                      const std::vector<double>& y)
 {
@@ -70,6 +71,8 @@ ImageHeaderType* SpectrumFromSamples(ImageHeaderType* after, const std::vector<d
     return item;
 }
 
+namespace {
+
 void PlaceParticles(SampleParticle* out)
 {
     using namespace SampleTopography;
@@ -87,8 +90,7 @@ void PlaceParticles(SampleParticle* out)
 
 } // namespace
 
-// A new image item holding the heights, packed to the full code range.
-ImageHeaderType* SampleImageFromHeights(ImageHeaderType* after, const std::vector<double>& z, int n)
+ImageHeaderType* ImageFromHeights(ImageHeaderType* after, const std::vector<double>& z, int n)
 {
     ImageHeaderType* item = AllocateListItem(after);
     if (!item) return nullptr;
@@ -139,7 +141,7 @@ ImageHeaderType* MakeSampleTopography(ImageHeaderType* after)
             z[static_cast<size_t>(row) * kSize + col] = h;
         }
     }
-    ImageHeaderType* item = SampleImageFromHeights(after, z, kSize);
+    ImageHeaderType* item = ImageFromHeights(after, z, kSize);
     if (!item) return nullptr;
     CommonFields(item, "Au(111) terraces with clusters", "Sample topography");
     item->ImageSizeX = item->ImageSizeY = kSizeNm;
@@ -177,7 +179,7 @@ ImageHeaderType* MakeSampleLattice(ImageHeaderType* after)
             z[static_cast<size_t>(row) * kSize + col] = kCorrugation * h / 3 + kNoise * random.Normal();
         }
     }
-    ImageHeaderType* item = SampleImageFromHeights(after, z, kSize);
+    ImageHeaderType* item = ImageFromHeights(after, z, kSize);
     if (!item) return nullptr;
     CommonFields(item, "Graphite lattice, drift", "Sample lattice");
     item->ImageSizeX = item->ImageSizeY = kSizeNm;

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "tavrin/image_header.h"
 
@@ -75,6 +76,16 @@ constexpr double kAdhesionRange = 5.0;   // nm
 constexpr double kNoise = 0.003;         // V
 constexpr uint64_t kSeed = 15;
 } // namespace SampleForceCurve
+
+// A new image item of n by n pixels behind `after` holding the values z (row 0 first), packed
+// to the full code range: Zlo is the lowest value, Zhi the highest (Zlo + 1 when all are
+// equal). On a failed allocation the error is reported, null answered and the list left as it
+// was.
+ImageHeaderType* ImageFromHeights(ImageHeaderType* after, const std::vector<double>& z, int n);
+// A new spectrum item behind `after` with the samples (x and y of one length); Zlo and Zhi are
+// the lowest and highest y. Failures as above.
+ImageHeaderType* SpectrumFromSamples(ImageHeaderType* after, const std::vector<double>& x,
+                                     const std::vector<double>& y);
 
 ImageHeaderType* MakeSampleTopography(ImageHeaderType* after);
 ImageHeaderType* MakeSampleLattice(ImageHeaderType* after);

@@ -1,5 +1,4 @@
 #include "files/sample_data.h"
-#include "files/sample_support.h"
 #include "host/text.h"
 #include "mapping/cits.h"
 #include "store/data_list.h"
@@ -87,7 +86,7 @@ CITSHeaderType* MakeSet(const SetModel& model)
 // The topography item with its set, or null (reported) with the list as it was.
 ImageHeaderType* MakeMappingItem(ImageHeaderType* after, const std::vector<double>& heights, const SetModel& model)
 {
-    ImageHeaderType* item = SampleImageFromHeights(after, heights, model.size);
+    ImageHeaderType* item = ImageFromHeights(after, heights, model.size);
     if (!item) return nullptr;
     CITSHeaderType* set = MakeSet(model);
     if (!set) {

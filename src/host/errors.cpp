@@ -175,6 +175,9 @@ const int kSystemErrors[] = {2, 7, 8, 9, 12, 13, 17, 18, 22, 24, 28, 33, 34, 36}
 constexpr int kProgramErrorsBeforeBox = 11;
 int g_programErrorsSinceBox = 0;
 
+ErrorObserver g_errorObserver = nullptr;
+void* g_errorObserverContext = nullptr;
+
 bool IsSystemError(uint16_t number)
 {
     for (int e : kSystemErrors)
@@ -222,6 +225,7 @@ void VShowErrorText(uint16_t number, const char* format, va_list args)
         PlatformMessageBox(text, kProductName, TV_MB_OK | TV_MB_ICONSTOP | TV_MB_TASKMODAL);
     }
     Log("ERROR : %s\n", text);
+    if (g_errorObserver) g_errorObserver(number, text, g_errorObserverContext);
 }
 
 void ShowErrorText(uint16_t number, const char* format, ...)
@@ -282,3 +286,9 @@ void ProgramError(const char* format, ...)
 }
 
 void ResetErrorState() { g_programErrorsSinceBox = 0; }
+
+void SetErrorObserver(ErrorObserver observer, void* context)
+{
+    g_errorObserver = observer;
+    g_errorObserverContext = context;
+}

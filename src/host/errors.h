@@ -27,3 +27,8 @@ const char* ErrorTableText(uint16_t number);
 extern const char* const kProductName;
 
 void ResetErrorState();
+
+// For a host that hands errors on by number (the Python package): every error shown is also
+// passed here with its number and text (null: none).
+using ErrorObserver = void (*)(unsigned number, const char* text, void* context);
+void SetErrorObserver(ErrorObserver observer, void* context);

@@ -2,11 +2,7 @@
 
 #include <cstdio>
 
-namespace {
-
-// The host's repaint: the bitmap (colour indices through the palette, or the 24-bit layer in
-// True-RGB mode) copied into the window, then the display list over it.
-void Repaint(HostFrameStore& fs)
+void PaintFrameStore(HostFrameStore& fs)
 {
     const bool trueRgb = Session().options.trueRgb;
     uint32_t* pixels = tv_canvas_pixels(fs.window);
@@ -32,12 +28,10 @@ void Repaint(HostFrameStore& fs)
     dl_RedrawVFS(&dest, nullptr, fs.number);
 }
 
-} // namespace
-
 bool WriteFrameStorePicture(HostFrameStore& fs, const std::string& path)
 {
     if (!fs.window) return false;
-    Repaint(fs);
+    PaintFrameStore(fs);
     return tv_canvas_write_png(fs.window, path.c_str()) == 0;
 }
 

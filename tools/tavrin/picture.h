@@ -7,6 +7,9 @@
 
 #include "session.h"
 
+// The host's repaint: the bitmap (colour indices through the palette, or the 24-bit layer in
+// True-RGB mode) copied into the frame store's window, then the display list over it.
+void PaintFrameStore(HostFrameStore& fs);
 // Paints the window of the frame store as the host's repaint does, and writes it as a PNG
 // file. False when the picture could not be written.
 bool WriteFrameStorePicture(HostFrameStore& fs, const std::string& path);

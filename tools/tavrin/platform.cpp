@@ -1,6 +1,7 @@
 // The platform table of the command-line host: message boxes are answered from the script's
-// queue, then from --yes / --no, then by their default button; a question nobody answered is
-// printed to standard error with the answer taken.
+// queue, then by the session's ask hook when a host set one (the Python package), else from
+// --yes / --no, then by their default button; a question nobody answered is printed to
+// standard error with the answer taken.
 #include "pick.h"
 #include "session.h"
 
@@ -30,9 +31,11 @@ int32_t DefaultButton(uint32_t style)
     }
 }
 
-// An answer of the queue in the terms of these buttons.
-int32_t FromAnswer(const Answer& a, uint32_t type)
+} // namespace
+
+int32_t ButtonForAnswer(const Answer& a, uint32_t style)
 {
+    const uint32_t type = style & TV_MB_TYPEMASK;
     switch (a.kind) {
     case Answer::Yes: return type == TV_MB_OKCANCEL ? TV_IDOK : TV_IDYES;
     case Answer::Ok: return (type == TV_MB_YESNO || type == TV_MB_YESNOCANCEL) ? TV_IDYES : TV_IDOK;
@@ -42,19 +45,25 @@ int32_t FromAnswer(const Answer& a, uint32_t type)
     }
 }
 
+namespace {
+
 int32_t MessageBox(void*, const char* text, const char* caption, uint32_t style)
 {
     uint32_t type = style & TV_MB_TYPEMASK;
+    const auto& ask = Session().ask;
     if (type == TV_MB_OK) {
         // A box with one button asks nothing; error boxes are reported through the log.
-        if ((style & 0xF0u) != TV_MB_ICONSTOP) std::fprintf(stderr, "%s: %s\n", caption, text);
+        if ((style & 0xF0u) == TV_MB_ICONSTOP) return TV_IDOK;
+        if (ask) ask(text, caption, style, TV_IDOK);
+        else std::fprintf(stderr, "%s: %s\n", caption, text);
         return TV_IDOK;
     }
     Answer a;
-    if (TakeAnswer(&a)) return FromAnswer(a, type);
+    if (TakeAnswer(&a)) return ButtonForAnswer(a, style);
     int32_t answer = DefaultButton(style);
-    if (Session().options.defaultAnswer == TV_IDYES) answer = FromAnswer(Answer{Answer::Yes, 0, {}}, type);
-    else if (Session().options.defaultAnswer == TV_IDNO) answer = FromAnswer(Answer{Answer::No, 0, {}}, type);
+    if (ask) return ask(text, caption, style, answer);
+    if (Session().options.defaultAnswer == TV_IDYES) answer = ButtonForAnswer(Answer{Answer::Yes, 0, {}}, style);
+    else if (Session().options.defaultAnswer == TV_IDNO) answer = ButtonForAnswer(Answer{Answer::No, 0, {}}, style);
     else std::fprintf(stderr, "%s: %s [%s]\n", caption, text, AnswerName(answer));
     return answer;
 }

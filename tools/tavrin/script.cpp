@@ -45,7 +45,9 @@ std::vector<std::string> SplitWords(const std::string& line, bool* quoted)
     return words;
 }
 
-Answer ParseAnswer(const std::string& word, bool quoted)
+} // namespace
+
+Answer ParseAnswerWord(const std::string& word, bool quoted)
 {
     if (!quoted) {
         if (word == "yes") return {Answer::Yes, 0, {}};
@@ -61,6 +63,8 @@ Answer ParseAnswer(const std::string& word, bool quoted)
     return {Answer::Text, 0, word};
 }
 
+namespace {
+
 const std::map<std::string, const ScriptEntry*>& EntryIndex()
 {
     static const std::map<std::string, const ScriptEntry*> index = [] {
@@ -71,16 +75,37 @@ const std::map<std::string, const ScriptEntry*>& EntryIndex()
     return index;
 }
 
-const char* const kHostCommands[] = {"answer", "render", "info", "entries", "Error", "Log2Disk",
-                                     "OutputDebugString", "SaveWindow", "VFS_open_vfs", "VFS_close_vfs",
-                                     "VFS_set_current_vfs", "pick", "slider"};
+} // namespace
+
+const std::vector<std::string>& ScriptHostCommands()
+{
+    static const std::vector<std::string> commands = {"answer", "render", "info", "entries", "Error", "Log2Disk",
+                                                      "OutputDebugString", "SaveWindow", "VFS_open_vfs",
+                                                      "VFS_close_vfs", "VFS_set_current_vfs", "pick", "slider"};
+    return commands;
+}
+
+const ScriptEntry* FindScriptEntry(const std::string& name)
+{
+    auto found = EntryIndex().find(name);
+    return found == EntryIndex().end() ? nullptr : found->second;
+}
+
+std::string ScriptResult::Text() const
+{
+    std::string text = returned ? "= " + value : std::string();
+    for (const auto& o : outputs) text += (text.empty() ? "" : "\n") + o;
+    return text;
+}
 
 // Host commands of a script that are not entry points of the library.
-bool RunHostCommand(const std::string& name, const std::vector<std::string>& words, const bool* quoted, FILE* out)
+bool RunScriptHostCommand(const std::vector<std::string>& words, const bool* quoted, FILE* out)
 {
+    if (words.empty()) return false;
+    const std::string name = words[0].rfind("dl_", 0) == 0 ? words[0].substr(3) : words[0];
     if (name == "answer") {
         if (words.size() < 2) throw ScriptError("answer needs a value");
-        for (size_t i = 1; i < words.size(); ++i) Session().answers.push_back(ParseAnswer(words[i], quoted[i]));
+        for (size_t i = 1; i < words.size(); ++i) Session().answers.push_back(ParseAnswerWord(words[i], quoted[i]));
         return true;
     }
     if (name == "render") {
@@ -139,7 +164,7 @@ bool RunHostCommand(const std::string& name, const std::vector<std::string>& wor
         // Every name a script line can start with: the library's entry points, then the
         // host's own commands.
         for (const ScriptEntry& e : ScriptEntries()) std::fprintf(out, "%s\n", e.name);
-        for (const char* c : kHostCommands) std::fprintf(out, "%s\n", c);
+        for (const std::string& c : ScriptHostCommands()) std::fprintf(out, "%s\n", c.c_str());
         return true;
     }
     if (name == "Error") {
@@ -183,6 +208,8 @@ bool RunHostCommand(const std::string& name, const std::vector<std::string>& wor
     return false;
 }
 
+namespace {
+
 // Every "$ret" of a word becomes the word the last entry point answered.
 void SubstituteReturn(std::string& word, const std::optional<std::string>& lastReturn)
 {
@@ -213,9 +240,9 @@ int RunScript(const std::string& text, const std::string& sourceName, FILE* out)
                 if (!quoted[i]) SubstituteReturn(words[i], lastReturn);
             // "dl_" may lead an entry point's name.
             const std::string name = words[0].rfind("dl_", 0) == 0 ? words[0].substr(3) : words[0];
-            if (RunHostCommand(name, words, quoted, out)) continue;
-            auto found = EntryIndex().find(name);
-            if (found == EntryIndex().end()) throw ScriptError("unknown command '" + words[0] + "'");
+            if (RunScriptHostCommand(words, quoted, out)) continue;
+            const ScriptEntry* found = FindScriptEntry(name);
+            if (!found) throw ScriptError("unknown command '" + words[0] + "'");
             ScriptWords args;
             for (size_t i = 1; i < words.size(); ++i) {
                 size_t eq = words[i].find('=');
@@ -224,8 +251,9 @@ int RunScript(const std::string& text, const std::string& sourceName, FILE* out)
                 else
                     args.positional.push_back(words[i]);
             }
-            std::string result = found->second->call(args);
-            if (result.rfind("= ", 0) == 0) lastReturn = result.substr(2, result.find_first_of(" \n", 2) - 2);
+            const ScriptResult answered = found->call(args);
+            if (answered.returned) lastReturn = answered.value.substr(0, answered.value.find_first_of(" \n"));
+            const std::string result = answered.Text();
             if (!result.empty()) std::fprintf(out, "%s %s\n", name.c_str(), result.c_str());
         } catch (const ScriptError& e) {
             std::fprintf(stderr, "tavrin: %s:%d: %s\n", sourceName.c_str(), number, e.what());

@@ -15,7 +15,19 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
+
+#include "session.h"
 
 // Runs the script text; answers the exit status (0, 1 when an entry point reported an error, 2
 // when a line could not be run: the message names the line).
 int RunScript(const std::string& text, const std::string& sourceName, FILE* out);
+
+// The commands of a script line that are the host's own rather than entry points (answer,
+// render, info, entries, Error, Log2Disk, ...), in the order `entries` lists them.
+const std::vector<std::string>& ScriptHostCommands();
+// Runs one such command; `words` start with its name, `quoted` tells which words were quoted.
+// Answers false when the name is no host command; throws ScriptError for a wrong line.
+bool RunScriptHostCommand(const std::vector<std::string>& words, const bool* quoted, FILE* out);
+// The answer a word of an `answer` line names: yes, no, cancel, ok, a number, or (quoted) a text.
+Answer ParseAnswerWord(const std::string& word, bool quoted);

@@ -10,30 +10,39 @@
 
 #include "script_values.h"
 
+// What a call gave: the entry point's result word (ResultText), when it has one, and what its
+// buffer, number and record arguments hold afterwards.
+struct ScriptResult {
+    bool returned = false;
+    std::string value;
+    std::vector<std::string> outputs;
+    // "= value" and the outputs, one a line: what a script prints (may be empty).
+    std::string Text() const;
+};
+
 struct ScriptEntry {
     const char* name;   // without "dl_"
-    std::function<std::string(ScriptWords&)> call;   // answers the text to print, may be empty
+    std::function<ScriptResult(ScriptWords&)> call;
 };
 
 namespace script_detail {
 
 template <typename R, typename... A, size_t... I>
-std::string Invoke(R (*fn)(A...), ScriptWords& words, std::index_sequence<I...>)
+ScriptResult Invoke(R (*fn)(A...), ScriptWords& words, std::index_sequence<I...>)
 {
     // Arguments are made left to right (braced initialisation keeps the order).
     std::tuple<Arg<A>...> args{Arg<A>(words)...};
     if (words.More()) throw ScriptError("too many arguments: '" + words.positional[words.next] + "'");
-    std::string text;
+    ScriptResult result;
     if constexpr (std::is_void_v<R>) {
         fn(std::get<I>(args).Get()...);
     } else {
-        R result = fn(std::get<I>(args).Get()...);
-        text = "= " + ResultText(result);
+        R value = fn(std::get<I>(args).Get()...);
+        result.returned = true;
+        result.value = ResultText(value);
     }
-    std::vector<std::string> outputs;
-    (std::get<I>(args).After(outputs), ...);
-    for (const auto& o : outputs) text += (text.empty() ? "" : "\n") + o;
-    return text;
+    (std::get<I>(args).After(result.outputs), ...);
+    return result;
 }
 
 } // namespace script_detail
@@ -51,3 +60,5 @@ ScriptEntry MakeEntry(const char* name, R (*fn)(A...))
 
 // Every entry point a script can call, in the order of the families.
 const std::vector<ScriptEntry>& ScriptEntries();
+// The entry point of that name (without "dl_"), or null.
+const ScriptEntry* FindScriptEntry(const std::string& name);

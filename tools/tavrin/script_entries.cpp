@@ -9,14 +9,16 @@
 
 namespace {
 
-std::string ScriptGetCITSCurrentImageVoltages(ScriptWords& words)
+ScriptResult ScriptGetCITSCurrentImageVoltages(ScriptWords& words)
 {
     if (words.More()) throw ScriptError("too many arguments: '" + words.positional[words.next] + "'");
     std::vector<double> voltages(4096);
     const int32_t count = dl_GetCITSCurrentImageVoltages(voltages.data());
-    std::string text = "= " + ResultText(count);
-    for (int32_t k = 0; k < count; ++k) text += "\n" + ResultText(voltages[static_cast<size_t>(k)]);
-    return text;
+    ScriptResult result;
+    result.returned = true;
+    result.value = ResultText(count);
+    for (int32_t k = 0; k < count; ++k) result.outputs.push_back(ResultText(voltages[static_cast<size_t>(k)]));
+    return result;
 }
 
 } // namespace

@@ -66,10 +66,15 @@ std::string ResultText(R value)
     if constexpr (std::is_same_v<R, ImageHeaderType*>) {
         return value ? "item " + std::to_string(value->DataId) : std::string("null");
     } else if constexpr (std::is_pointer_v<R>) {
-        if constexpr (std::is_same_v<std::remove_cv_t<std::remove_pointer_t<R>>, char>)
-            return value ? "\"" + std::string(value) + "\"" : std::string("null");
-        else
+        if constexpr (std::is_same_v<std::remove_cv_t<std::remove_pointer_t<R>>, char>) {
+            if (!value) return "null";
+            // Appended piece by piece: GCC 12 warns falsely (-Wrestrict) about "x" + string.
+            std::string text(1, '"');
+            text.append(value).push_back('"');
+            return text;
+        } else {
             return value ? std::string("set") : std::string("null");
+        }
     } else if constexpr (std::is_floating_point_v<R>) {
         char b[64];
         std::snprintf(b, sizeof b, "%.9g", static_cast<double>(value));

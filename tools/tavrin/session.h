@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,10 @@ struct HostSession {
     std::string workFile;
     bool started = false;
     std::vector<std::string> paramLines;   // the parameter text panel
+    // A host that asks its user itself (the Python package): it answers each message box the
+    // queue did not, given the box's default button, and is shown the boxes of one button.
+    // Unset: --yes / --no, or the default button printed on standard error.
+    std::function<int32_t(const char* text, const char* caption, uint32_t style, int32_t defaultButton)> ask;
 };
 
 HostSession& Session();
@@ -62,6 +67,9 @@ HostFrameStore* FindHostFrameStore(int16_t number);
 
 // The next queued answer, if any.
 bool TakeAnswer(Answer* answer);
+// The button of a message box of that style that the answer names (yes is OK in a box of OK
+// and Cancel, and so on; a number is the button's own id).
+int32_t ButtonForAnswer(const Answer& answer, uint32_t style);
 
 // The callback table of this host.
 ApCallbackFunctionTableType HostCallbackTable();
