@@ -59,6 +59,9 @@ py::array_t<uint16_t> ItemCodes(uint32_t id);
 py::array_t<double> ItemValues(uint32_t id);
 py::tuple ItemGeometry(uint32_t id);              // (nx, ny, size x, size y)
 py::tuple ItemSamples(uint32_t id);               // (x, y) of a spectrum
+py::array_t<double> ItemSweep(uint32_t id);       // the sweep value of each image of the set
+std::string ItemSweepUnit(uint32_t id);           // "V", or "nm" for a displacement sweep
+py::array ItemCube(uint32_t id, bool values);     // (ni, cy, cx): f32 values or u16 codes
 int SaveItem(uint32_t id, const std::string& path, int type);
 int SaveTypeOf(const std::string& path);
 int SaveType8Bit();

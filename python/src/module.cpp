@@ -42,6 +42,9 @@ PYBIND11_MODULE(_tavrin, m)
     m.def("values", &ItemValues);
     m.def("geometry", &ItemGeometry);
     m.def("samples", &ItemSamples);
+    m.def("sweep", &ItemSweep);
+    m.def("sweep_unit", &ItemSweepUnit);
+    m.def("cube", &ItemCube, py::arg("id"), py::arg("values"));
     m.def("save_type", &SaveTypeOf);
     m.def("save_type_8bit", &SaveType8Bit);
     m.def("save", &SaveItem);

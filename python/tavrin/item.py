@@ -99,6 +99,23 @@ class Item:
         """The y samples of a spectrum, as stored."""
         return _core.run(native.samples, self.id)[1]
 
+    @property
+    def sweep(self):
+        """The sweep value of each image of the item's SPS Mapping set (volts, or nm for a
+        displacement sweep: see ``sweep_unit``), float64 of shape (ni,)."""
+        return _core.run(native.sweep, self.id)
+
+    @property
+    def sweep_unit(self):
+        """The unit of ``sweep``: "V" for a voltage sweep, else "nm"."""
+        return _core.run(native.sweep_unit, self.id)
+
+    def cube(self, values=True):
+        """The item's SPS Mapping set as one array of shape (ni, cy, cx), image k the curve's
+        k-th sample at every pixel: float32 physical values through the library's decoding, or
+        with ``values=False`` the uint16 codes as stored."""
+        return _core.run(native.cube, self.id, bool(values))
+
     def save(self, path, type=None):
         """Saves the item; the file type follows the extension as in ``tavrin convert``
         (.tif .bin .bft .asc .aft .spc .dat .hdr), or ``type`` (such an extension, "tif8" for an
