@@ -102,7 +102,7 @@ coverage:
 	  -DCMAKE_SHARED_LINKER_FLAGS=--coverage >/dev/null
 	cmake --build $(COVERAGE_BUILD) -j $(JOBS)
 	find $(COVERAGE_BUILD) -name '*.gcda' -delete
-	cd $(COVERAGE_BUILD) && ctest -j $(JOBS) --timeout 600 >/dev/null || (ctest -j $(JOBS) --output-on-failure --timeout 600; exit 1)
+	cd $(COVERAGE_BUILD) && ./bin/tavrin_tests --gtest_brief=1 && ctest -j $(JOBS) -R _replay --timeout 600 --output-on-failure
 	mkdir -p $(COVERAGE_BUILD)/html
 	gcovr -r . --object-directory $(COVERAGE_BUILD) --filter 'src/' -j $(JOBS) \
 	  --html-details $(COVERAGE_BUILD)/html/index.html --print-summary

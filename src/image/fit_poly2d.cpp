@@ -147,7 +147,11 @@ int FitPoly2D(ImageHeaderType* result, const ImageHeaderType* source, ImageHeade
     // like X; the list of u runs to max(W, H) so that a tall image's rows have their entries.
     const int side = std::max(w, h);
     const int columns = 2 * std::max(dx, dy) + 1;
-    auto* powers = static_cast<double*>(emalloc(sizeof(double) * static_cast<size_t>(side) * columns));
+    // Behind the table, the same X powers once more as dx + 1 planes of W values each, so that
+    // the residual pass runs along contiguous memory.
+    const size_t tableValues = static_cast<size_t>(side) * columns;
+    auto* powers = static_cast<double*>(
+        emalloc(sizeof(double) * (tableValues + static_cast<size_t>(dx + 1) * static_cast<size_t>(w))));
     const int terms = (dx + 1) * (dy + 1);
     auto* matrix = static_cast<double*>(emalloc(sizeof(double) * static_cast<size_t>(terms) * terms));
     auto* moments = static_cast<Moments*>(emalloc(sizeof(Moments)));
@@ -162,6 +166,10 @@ int FitPoly2D(ImageHeaderType* result, const ImageHeaderType* source, ImageHeade
         const double u = static_cast<double>(i - w / 2) / w;
         for (int k = 0; k < columns; ++k) powers[static_cast<size_t>(i) * columns + k] = std::pow(u, k);
     }
+    double* xPlanes = powers + tableValues;
+    for (int b = 0; b <= dx; ++b)
+        for (int x = 0; x < w; ++x)
+            xPlanes[static_cast<size_t>(b) * w + x] = powers[static_cast<size_t>(x) * columns + b];
     SumMoments(source, s, powers, columns, low, high, dx, dy, threads, moments);
 
     const int nxTerms = dx + 1;
@@ -187,6 +195,9 @@ int FitPoly2D(ImageHeaderType* result, const ImageHeaderType* source, ImageHeade
     std::vector<Range> eRange(static_cast<size_t>(chunks)), fRange(static_cast<size_t>(chunks));
     RunFixedChunks(chunks, threads, [&](int k) {
         double rowCoef[kMaxFitDegree + 1];
+        std::vector<double> surface(static_cast<size_t>(w));
+        Range& eChunk = eRange[static_cast<size_t>(k)];
+        Range& fChunk = fRange[static_cast<size_t>(k)];
         const int yEnd = std::min(h, (k + 1) * kResidualChunkRows);
         for (int y = k * kResidualChunkRows; y < yEnd; ++y) {
             const double* ty = powers + static_cast<size_t>(y) * columns;
@@ -195,21 +206,25 @@ int FitPoly2D(ImageHeaderType* result, const ImageHeaderType* source, ImageHeade
                 for (int a = 0; a <= dy; ++a) v += c[a * nxTerms + b] * ty[a];
                 rowCoef[b] = v;
             }
+            // The surface of the row term by term: each pixel's sum keeps the order b = 0 to dx.
+            double* fRow = surface.data();
+            std::fill(fRow, fRow + w, 0.0);
+            if (status == kSolveOk)
+                for (int b = 0; b <= dx; ++b) {
+                    const double r = rowCoef[b];
+                    const double* tx = xPlanes + static_cast<size_t>(b) * w;
+                    for (int x = 0; x < w; ++x) fRow[x] += r * tx[x];
+                }
             const uint16_t* row = source->PixData + static_cast<size_t>(y) * w;
-            for (int x = 0; x < w; ++x) {
-                const size_t i = static_cast<size_t>(y) * w + x;
-                double f = 0.0, e = 0.0;
-                if (status == kSolveOk) {
-                    const double* tx = powers + static_cast<size_t>(x) * columns;
-                    for (int b = 0; b <= dx; ++b) f += rowCoef[b] * tx[b];
-                    e = row[x] - f;
-                }
-                residual[i] = e;
-                eRange[static_cast<size_t>(k)].Add(e);
-                if (bytes) {
-                    std::memcpy(bytes + i * sizeof(double), &f, sizeof f);
-                    fRange[static_cast<size_t>(k)].Add(f);
-                }
+            double* eRow = residual + static_cast<size_t>(y) * w;
+            if (status == kSolveOk)
+                for (int x = 0; x < w; ++x) eRow[x] = row[x] - fRow[x];
+            else
+                std::fill(eRow, eRow + w, 0.0);
+            for (int x = 0; x < w; ++x) eChunk.Add(eRow[x]);
+            if (bytes) {
+                std::memcpy(bytes + static_cast<size_t>(y) * w * sizeof(double), fRow, sizeof(double) * static_cast<size_t>(w));
+                for (int x = 0; x < w; ++x) fChunk.Add(fRow[x]);
             }
         }
     });
