@@ -95,10 +95,12 @@ fuzz:
 	  else tail -40 $(FUZZ_BUILD)/work/$$name.log; echo "== $$name FAILED"; exit 255; fi'
 
 # Line and branch coverage of the library's sources by the tests; HTML under build-coverage/.
+# The counters are updated atomically: the commands run their bands on two threads.
 coverage:
 	$(call need,$(PKGS_COVERAGE))
 	cmake -S . -B $(COVERAGE_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTAVRIN_TESTS=ON \
-	  -DCMAKE_CXX_FLAGS=--coverage -DCMAKE_C_FLAGS=--coverage -DCMAKE_EXE_LINKER_FLAGS=--coverage \
+	  -DCMAKE_CXX_FLAGS='--coverage -fprofile-update=atomic' -DCMAKE_C_FLAGS='--coverage -fprofile-update=atomic' \
+	  -DCMAKE_EXE_LINKER_FLAGS=--coverage \
 	  -DCMAKE_SHARED_LINKER_FLAGS=--coverage >/dev/null
 	cmake --build $(COVERAGE_BUILD) -j $(JOBS)
 	find $(COVERAGE_BUILD) -name '*.gcda' -delete
