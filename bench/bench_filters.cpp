@@ -5,16 +5,11 @@
 // the best time of each benchmark goes to the same name with ".times" appended, for its ratios.
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <map>
-#include <random>
 #include <string>
 #include <vector>
 
-#include "image/filter_bands.h"
+#include "bench_support.h"
 #include "image/filter_kernels.h"
 #include "image/filter_rows.h"
 
@@ -22,62 +17,31 @@ namespace {
 
 constexpr int kSize = 4096;
 
-std::string InputPath()
-{
-    const char* path = std::getenv("TAVRIN_FILTER_INPUT");
-    return path && *path ? path : "/tmp/tavrin-filters-4096.u16";
-}
+std::string InputPath() { return bench::InputPath("TAVRIN_FILTER_INPUT", "/tmp/tavrin-filters-4096.u16"); }
 
 const std::vector<uint16_t>& Input()
 {
     static const std::vector<uint16_t> codes = [] {
-        std::vector<uint16_t> v(static_cast<size_t>(kSize) * kSize);
-        std::mt19937 random(4096);
-        std::normal_distribution<double> noise(0.0, 300.0);
-        for (int y = 0; y < kSize; ++y)
-            for (int x = 0; x < kSize; ++x) {
-                const double z = 30000.0 + 12000.0 * std::sin(x / 151.0) * std::cos(y / 97.0) + noise(random);
-                v[static_cast<size_t>(y) * kSize + x] = static_cast<uint16_t>(std::clamp(z, 0.0, 65535.0));
-            }
-        if (FILE* f = std::fopen(InputPath().c_str(), "wb")) {
-            std::fwrite(v.data(), 2, v.size(), f);
-            std::fclose(f);
-        }
+        std::vector<uint16_t> v = bench::SmoothCodes(kSize, 300.0, [](int x, int y, double noise) {
+            return 30000.0 + 12000.0 * std::sin(x / 151.0) * std::cos(y / 97.0) + noise;
+        });
+        bench::WriteCodes(InputPath(), v);
         return v;
     }();
     return codes;
 }
 
-// The best time per run of each benchmark, written at the end of the program.
-struct BestTimes {
-    std::map<std::string, double> seconds;
-    ~BestTimes()
-    {
-        if (seconds.empty()) return;
-        if (FILE* f = std::fopen((InputPath() + ".times").c_str(), "w")) {
-            for (const auto& [name, s] : seconds) std::fprintf(f, "%s %.6f\n", name.c_str(), s);
-            std::fclose(f);
-        }
-    }
-} Best;
+bench::BestTimes Best{InputPath};
 
 template <class Work>
 void Time(benchmark::State& state, const std::string& name, Work work)
 {
     const std::vector<uint16_t>& in = Input();
     std::vector<uint16_t> out(in.size());
-    const int threads = static_cast<int>(state.range(0));
-    SetFilterThreads(threads);
-    double best = 1e30;
-    for (auto _ : state) {
-        const auto start = std::chrono::steady_clock::now();
+    bench::BestOnThreads(state, name, Best, [&] {
         work(in.data(), out.data());
-        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
         benchmark::DoNotOptimize(out.data());
-    }
-    SetFilterThreads(0);
-    const std::string key = name + "/" + std::to_string(threads);
-    Best.seconds[key] = std::min(Best.seconds.count(key) ? Best.seconds[key] : 1e30, best);
+    });
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kSize * kSize);
 }
 

@@ -19,13 +19,10 @@
 #include <unistd.h>
 #include <vector>
 
-#include "files/tiff_read.h"
+#include "bench_support.h"
 #include "files/tiff_write.h"
-#include "host/reset.h"
 #include "platform/large_blocks.h"
-#include "store/data_list.h"
 #include "store/image_header.h"
-#include "store/memory.h"
 
 extern char** environ;
 
@@ -34,19 +31,10 @@ namespace {
 constexpr int kSide = 4096;
 constexpr size_t kPixelBytes = static_cast<size_t>(kSide) * kSide * 2;
 
-using Clock = std::chrono::steady_clock;
-double Seconds(Clock::time_point from) { return std::chrono::duration<double>(Clock::now() - from).count(); }
+using bench::Clock;
+using bench::Seconds;
 
-const std::string& Directory()
-{
-    static const std::string dir = [] {
-        char pattern[] = "/tmp/tavrin-large-XXXXXX";
-        const char* made = mkdtemp(pattern);
-        if (!made) std::abort();
-        return std::string(made);
-    }();
-    return dir;
-}
+const std::string& Directory() { return bench::ScratchDirectory("/tmp/tavrin-large-XXXXXX"); }
 
 std::string InPath() { return Directory() + "/in.tif"; }
 
@@ -54,16 +42,7 @@ std::string InPath() { return Directory() + "/in.tif"; }
 void Prepare()
 {
     static const bool done = [] {
-        ResetProcessState();
-        ImageHeaderType* item = AllocateListItem(nullptr);
-        InitImageHeader(item, kSide, kSide);
-        MemHandleType pair;
-        if (!AllocateMem(static_cast<size_t>(kSide) * kSide, 2, &pair)) std::abort();
-        item->PixHandle = pair.Handle;
-        item->PixData = static_cast<uint16_t*>(pair.Ptr);
-        for (size_t i = 0; i < static_cast<size_t>(kSide) * kSide; ++i)
-            item->PixData[i] = static_cast<uint16_t>(i * 2654435761u);
-        CurrentItem = item;
+        ImageHeaderType* item = bench::MakeTestImage(kSide, 2654435761u);
         if (saveTiffImage(item, InPath().c_str(), 0) != 0) std::abort();
         return true;
     }();
@@ -133,13 +112,7 @@ void BM_ConvertProcessBesideCat(benchmark::State& state)
     state.counters["peak_rss_ratio"] = static_cast<double>(peak) * 1024.0 / static_cast<double>(kPixelBytes);
 }
 
-void LoadOnce()
-{
-    ImageHeaderType* keep = CurrentItem;
-    if (LoadImageFile(InPath().c_str(), 0, 0, 1) != 0) std::abort();
-    EraseItem(CurrentItem);
-    CurrentItem = keep;
-}
+void LoadOnce() { bench::LoadAndDrop(InPath()); }
 
 void ReadIntoPrefaulted()
 {

@@ -8,15 +8,12 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "image/filter_bands.h"
+#include "bench_support.h"
 #include "image/particle_measure.h"
 #include "image/particle_morphology.h"
 
@@ -24,11 +21,7 @@ namespace {
 
 constexpr int kSize = 4096;
 
-std::string InputPath()
-{
-    const char* path = std::getenv("TAVRIN_PARTICLE_INPUT");
-    return path && *path ? path : "/tmp/tavrin-particles-4096.u16";
-}
+std::string InputPath() { return bench::InputPath("TAVRIN_PARTICLE_INPUT", "/tmp/tavrin-particles-4096.u16"); }
 
 const std::vector<uint16_t>& Input()
 {
@@ -42,27 +35,13 @@ const std::vector<uint16_t>& Input()
                 for (int x = std::max(0, cx - r); x <= std::min(kSize - 1, cx + r); ++x)
                     if ((x - cx) * (x - cx) + (y - cy) * (y - cy) <= r * r) v[static_cast<size_t>(y) * kSize + x] = 65535;
         }
-        if (FILE* f = std::fopen(InputPath().c_str(), "wb")) {
-            std::fwrite(v.data(), 2, v.size(), f);
-            std::fclose(f);
-        }
+        bench::WriteCodes(InputPath(), v);
         return v;
     }();
     return codes;
 }
 
-struct BestTimes {
-    std::map<std::string, double> seconds;
-    void Keep(const std::string& key, double s) { seconds[key] = std::min(seconds.count(key) ? seconds[key] : 1e30, s); }
-    ~BestTimes()
-    {
-        if (seconds.empty()) return;
-        if (FILE* f = std::fopen((InputPath() + ".times").c_str(), "w")) {
-            for (const auto& [name, s] : seconds) std::fprintf(f, "%s %.6f\n", name.c_str(), s);
-            std::fclose(f);
-        }
-    }
-} Best;
+bench::BestTimes Best{InputPath};
 
 void BM_MeasureAllObjects(benchmark::State& state)
 {
@@ -72,9 +51,9 @@ void BM_MeasureAllObjects(benchmark::State& state)
     int count = 0;
     for (auto _ : state) {
         ParticleStats stats;
-        const auto start = std::chrono::steady_clock::now();
+        const bench::Clock::time_point start = bench::Clock::now();
         MeasureAllObjects(codes.data(), kSize, kSize, MeasureFrame{1.0, 1.0, connectivity}, &stats);
-        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+        best = std::min(best, bench::Seconds(start));
         count = stats.ObjectCount;
         FreeParticleStats(&stats);
     }
@@ -86,17 +65,10 @@ void Morph(benchmark::State& state, bool dilate)
 {
     const std::vector<uint16_t>& in = Input();
     std::vector<uint16_t> out(in.size());
-    const int threads = static_cast<int>(state.range(0));
-    SetFilterThreads(threads);
-    double best = 1e30;
-    for (auto _ : state) {
-        const auto start = std::chrono::steady_clock::now();
+    bench::BestOnThreads(state, dilate ? "dilate" : "erode", Best, [&] {
         ErodeOrDilate(in.data(), out.data(), kSize, kSize, 8, dilate);
-        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
         benchmark::DoNotOptimize(out.data());
-    }
-    SetFilterThreads(0);
-    Best.Keep(std::string(dilate ? "dilate/" : "erode/") + std::to_string(threads), best);
+    });
 }
 
 void BM_Erode8(benchmark::State& state) { Morph(state, false); }

@@ -11,61 +11,35 @@
 // the save's flush switched off.
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstdio>
 #include <fcntl.h>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <unistd.h>
 
-#include "files/tiff_read.h"
+#include "bench_support.h"
 #include "files/tiff_write.h"
-#include "host/reset.h"
 #include "platform/safe_replace.h"
-#include "store/data_list.h"
 #include "store/image_header.h"
-#include "store/memory.h"
 
 namespace {
+
+using bench::Clock;
+using bench::Seconds;
 
 constexpr int kSide = 4096;
 constexpr size_t kFileBytes = 7124 + static_cast<size_t>(kSide) * kSide * 2;
 
-const std::string& Directory()
-{
-    static const std::string dir = [] {
-        char pattern[] = "/tmp/tavrin-bench-XXXXXX";
-        const char* made = mkdtemp(pattern);
-        return std::string(made ? made : "/tmp");
-    }();
-    return dir;
-}
+const std::string& Directory() { return bench::ScratchDirectory("/tmp/tavrin-bench-XXXXXX"); }
 
 std::string TiffPath() { return Directory() + "/image.tif"; }
 std::string PlainPath() { return Directory() + "/plain.bin"; }
 
 ImageHeaderType* Image()
 {
-    static ImageHeaderType* image = [] {
-        ResetProcessState();
-        ImageHeaderType* item = AllocateListItem(nullptr);
-        InitImageHeader(item, kSide, kSide);
-        MemHandleType pair;
-        if (!AllocateMem(static_cast<size_t>(kSide) * kSide, 2, &pair)) std::abort();
-        item->PixHandle = pair.Handle;
-        item->PixData = static_cast<uint16_t*>(pair.Ptr);
-        for (size_t i = 0; i < static_cast<size_t>(kSide) * kSide; ++i)
-            item->PixData[i] = static_cast<uint16_t>(i * 2654435761u);
-        CurrentItem = item;
-        return item;
-    }();
+    static ImageHeaderType* image = bench::MakeTestImage(kSide, 2654435761u);
     return image;
 }
-
-using Clock = std::chrono::steady_clock;
-
-double Seconds(Clock::time_point from) { return std::chrono::duration<double>(Clock::now() - from).count(); }
 
 void SaveTiff()
 {
@@ -116,13 +90,7 @@ void SyncFile(const std::string& path)
     ::close(fd);
 }
 
-void LoadTiff()
-{
-    ImageHeaderType* keep = CurrentItem;
-    if (LoadImageFile(TiffPath().c_str(), 0, 0, 1) != 0) std::abort();
-    EraseItem(CurrentItem);
-    CurrentItem = keep;
-}
+void LoadTiff() { bench::LoadAndDrop(TiffPath()); }
 
 void WritePlain()
 {
@@ -158,53 +126,13 @@ void Prepare()
     SyncFile(SameBytesPath());
 }
 
-void BM_SaveTiff(benchmark::State& state)
-{
-    Prepare();
-    for (auto _ : state) SaveTiff();
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kFileBytes));
-}
+void BM_SaveTiff(benchmark::State& state) { bench::TimeStep(state, Prepare, SaveTiff, kFileBytes); }
+void BM_WritePlain(benchmark::State& state) { bench::TimeStep(state, Prepare, WritePlain, kFileBytes); }
+void BM_LoadTiff(benchmark::State& state) { bench::TimeStep(state, Prepare, LoadTiff, kFileBytes); }
+void BM_ReadPlain(benchmark::State& state) { bench::TimeStep(state, Prepare, ReadPlain, kFileBytes); }
 
-void BM_WritePlain(benchmark::State& state)
-{
-    Prepare();
-    for (auto _ : state) WritePlain();
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kFileBytes));
-}
-
-void BM_LoadTiff(benchmark::State& state)
-{
-    Prepare();
-    for (auto _ : state) LoadTiff();
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kFileBytes));
-}
-
-void BM_ReadPlain(benchmark::State& state)
-{
-    Prepare();
-    for (auto _ : state) ReadPlain();
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kFileBytes));
-}
-
-// Both in each iteration, alternating, so that both see the same state of the machine.
-void Ratio(benchmark::State& state, void (*ours)(), void (*plain)())
-{
-    Prepare();
-    double oursTotal = 0, plainTotal = 0;
-    for (auto _ : state) {
-        Clock::time_point t = Clock::now();
-        ours();
-        oursTotal += Seconds(t);
-        t = Clock::now();
-        plain();
-        plainTotal += Seconds(t);
-    }
-    state.counters["ours_ms"] = 1000 * oursTotal / static_cast<double>(state.iterations());
-    state.counters["plain_ms"] = 1000 * plainTotal / static_cast<double>(state.iterations());
-    state.counters["ratio"] = plainTotal > 0 ? oursTotal / plainTotal : 0;
-}
-
-void BM_SaveRatio(benchmark::State& state) { Ratio(state, SaveTiffUnsynced, WritePlain); }
+// The save here has its flush switched off, so there is no flush to count apart.
+void BM_SaveRatio(benchmark::State& state) { bench::Ratio(state, Prepare, SaveTiffUnsynced, WritePlain, false); }
 
 // The safe save against a plain write of the same bytes, alternating, each over a file that is
 // on the disk already; the flushes timed apart.
@@ -235,7 +163,7 @@ void BM_SafeSaveRatio(benchmark::State& state)
     state.counters["plain_fsync_ms"] = 1000 * plainSync / n;
 }
 
-void BM_LoadRatio(benchmark::State& state) { Ratio(state, LoadTiff, ReadPlain); }
+void BM_LoadRatio(benchmark::State& state) { bench::Ratio(state, Prepare, LoadTiff, ReadPlain, false); }
 
 } // namespace
 

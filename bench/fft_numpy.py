@@ -3,25 +3,18 @@
 single-precision data (numpy computes in double), best of a few runs, with the check that
 numpy's forward transform with norm="forward" is the library's scaling: X = (1 / N) sum x exp(-2 pi i j k / N)."""
 import sys
-import time
 
 import numpy as np
 
-def best_time(work, runs):
-    best = float("inf")
-    for _ in range(runs):
-        start = time.perf_counter()
-        work()
-        best = min(best, time.perf_counter() - start)
-    return best
+from bench_common import best_of
 
 def main():
     rng = np.random.default_rng(1024)
     for n in (1024, 4096):
         data = (rng.uniform(0.0, 1024.0, (n, n))).astype(np.complex64)
         runs = 5 if n == 1024 else 2
-        forward = best_time(lambda: np.fft.fft2(data, norm="forward"), runs)
-        inverse = best_time(lambda: np.fft.ifft2(data, norm="forward"), runs)
+        forward = best_of(lambda: np.fft.fft2(data, norm="forward"), runs)
+        inverse = best_of(lambda: np.fft.ifft2(data, norm="forward"), runs)
         print(f"numpy forward {n}: {forward * 1e3:9.2f} ms   inverse {n}: {inverse * 1e3:9.2f} ms")
     # The scale and sign: a unit impulse gives 1 / N everywhere, exp(+2 pi i 5 j / 64) bin 5.
     impulse = np.zeros((8, 8), dtype=np.complex64)

@@ -2,18 +2,13 @@
 """scipy.ndimage on the input of bench_filters (the same 4096 by 4096 u16 codes): median_filter
 with the cross and 3x3 footprints, correlate with the same integer kernels, and the ratio of
 scipy's time to the filters' best times on one and on two threads."""
-import os
-import sys
-import time
-
 import numpy as np
 from scipy import ndimage
 
-SIZE = 4096
-path = os.environ.get("TAVRIN_FILTER_INPUT", "/tmp/tavrin-filters-4096.u16")
-if not os.path.exists(path):
-    sys.exit(f"{path} is missing: run bench_filters first")
-image = np.fromfile(path, dtype=np.uint16).reshape(SIZE, SIZE)
+from bench_common import best_of, input_path, load_codes, read_times
+
+path = input_path("TAVRIN_FILTER_INPUT", "/tmp/tavrin-filters-4096.u16")
+image = load_codes(path, "bench_filters")
 
 cross = np.array([[0, 1, 0], [1, 1, 1], [0, 1, 0]], dtype=bool)
 medium5 = np.array([[1, 2, 4, 2, 1], [2, 4, 8, 4, 2], [4, 8, 16, 8, 4], [2, 4, 8, 4, 2], [1, 2, 4, 2, 1]])
@@ -28,21 +23,7 @@ work = {
 }
 
 
-def best_of(fn, runs=3):
-    best = float("inf")
-    for _ in range(runs):
-        start = time.perf_counter()
-        fn()
-        best = min(best, time.perf_counter() - start)
-    return best
-
-
-ours = {}
-if os.path.exists(path + ".times"):
-    with open(path + ".times") as f:
-        for line in f:
-            name, seconds = line.split()
-            ours[name] = float(seconds)
+ours = read_times(path)
 
 print(f"{'filter':10} {'scipy ms':>10} {'1 thread ms':>12} {'ratio':>7} {'2 threads ms':>13} {'ratio':>7}")
 for name, fn in work.items():

@@ -4,17 +4,13 @@ surface fit samples (every 16th row and column), the same 16 terms u^b * v^a of 
 with u = (i - 2048) / 4096, lstsq on them, then the surface and residual of every pixel and
 its stretch to 0..65535; the ratio of numpy's time to the fit's best times on one and two
 threads."""
-import os
-import sys
-import time
-
 import numpy as np
 
-SIZE, STEP, DEG = 4096, 16, 3
-path = os.environ.get("TAVRIN_FIT_INPUT", "/tmp/tavrin-fit-4096.u16")
-if not os.path.exists(path):
-    sys.exit(f"{path} is missing: run bench_fit first")
-image = np.fromfile(path, dtype=np.uint16).reshape(SIZE, SIZE)
+from bench_common import SIZE, best_of, input_path, load_codes, read_times
+
+STEP, DEG = 16, 3
+path = input_path("TAVRIN_FIT_INPUT", "/tmp/tavrin-fit-4096.u16")
+image = load_codes(path, "bench_fit")
 u = (np.arange(SIZE) - SIZE // 2) / SIZE
 
 
@@ -32,18 +28,8 @@ def fit():
     return c, codes
 
 
-best = float("inf")
-for _ in range(3):
-    start = time.perf_counter()
-    fit()
-    best = min(best, time.perf_counter() - start)
-
-ours = {}
-if os.path.exists(path + ".times"):
-    with open(path + ".times") as f:
-        for line in f:
-            name, seconds = line.split()
-            ours[name] = float(seconds)
+best = best_of(fit)
+ours = read_times(path)
 row = f"poly33 numpy {best * 1e3:.1f} ms"
 for threads in (1, 2):
     t = ours.get(f"poly33/{threads}")

@@ -3,18 +3,13 @@
 label with the 4- and 8-neighbour structures, then find_objects and bincount for the boxes
 and pixel counts that MeasureAllObjects gives, and the ratio of scipy's time to the best time
 of the measurement; then the scaling of erosion and dilation from one thread to two."""
-import os
-import sys
-import time
-
 import numpy as np
 from scipy import ndimage
 
-SIZE = 4096
-path = os.environ.get("TAVRIN_PARTICLE_INPUT", "/tmp/tavrin-particles-4096.u16")
-if not os.path.exists(path):
-    sys.exit(f"{path} is missing: run bench_particles first")
-image = np.fromfile(path, dtype=np.uint16).reshape(SIZE, SIZE) != 0
+from bench_common import best_of, input_path, load_codes, read_times
+
+path = input_path("TAVRIN_PARTICLE_INPUT", "/tmp/tavrin-particles-4096.u16")
+image = load_codes(path, "bench_particles") != 0
 
 structures = {4: ndimage.generate_binary_structure(2, 1), 8: ndimage.generate_binary_structure(2, 2)}
 
@@ -26,21 +21,7 @@ def measure(connectivity):
     return count, boxes, pixels
 
 
-def best_of(fn, runs=3):
-    best = float("inf")
-    for _ in range(runs):
-        start = time.perf_counter()
-        fn()
-        best = min(best, time.perf_counter() - start)
-    return best
-
-
-ours = {}
-if os.path.exists(path + ".times"):
-    with open(path + ".times") as f:
-        for line in f:
-            name, seconds = line.split()
-            ours[name] = float(seconds)
+ours = read_times(path)
 
 print(f"{'measure':10} {'objects':>8} {'scipy ms':>10} {'ours ms':>10} {'scipy/ours':>11}")
 for connectivity in (4, 8):

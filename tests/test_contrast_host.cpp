@@ -1,7 +1,7 @@
 // The host's lut, math, math2, normalise and histogram commands and scripted slider sessions,
 // run as a user runs them: the binary in the test's own directories, on the sample topography
 // saved there.
-#include "support/test_host.h"
+#include "test_host_binary_support.h"
 
 #include "display/contrast_map.h"
 #include "display/default_tables.h"
@@ -13,34 +13,23 @@
 #include "store/data_list.h"
 #include "store/history.h"
 
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 namespace {
 
-class ContrastHostTest : public LibraryTest {
+class ContrastHostTest : public HostBinaryTest {
 protected:
     void SetUp() override
     {
-        LibraryTest::SetUp();
+        HostBinaryTest::SetUp();
         ASSERT_EQ(host.Start(), 0);
         ImageHeaderType* item = MakeSampleTopography(nullptr);
         ASSERT_NE(item, nullptr);
         ASSERT_EQ(saveTiffImage(item, Path("t.tif").c_str(), 0), 0);
     }
-    // Exit status of the binary with the arguments, run in the data directory; `input` is its
-    // standard input.
-    int Run(const std::string& arguments, const std::string& input = "")
-    {
-        WriteFileBytes(data + "stdin.txt", input);
-        const std::string command = "cd '" + data + "' && TAVRIN_HOME='" + home + "' TAVRIN_DATA='" + data + "' '" +
-                                    TAVRIN_HOST_BINARY + "' " + arguments + " < stdin.txt > stdout.txt 2> stderr.txt";
-        const int raw = std::system(command.c_str());
-        return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    }
+    // `input` is the binary's standard input.
+    int Run(const std::string& arguments, const std::string& input = "") { return RunHostWithInput(arguments, input); }
     std::string Err() const { return ReadFileBytes(data + "stderr.txt"); }
     // The image of a saved file, current in this process.
     ImageHeaderType* Load(const std::string& name)

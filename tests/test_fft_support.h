@@ -22,12 +22,6 @@ protected:
         ASSERT_EQ(fs.Open(1), 0);
         host.ClearCalls();
     }
-    static int LastHistoryCode(const ImageHeaderType* item)
-    {
-        int n = 0;
-        while (n < 49 && item->ProcessList[n]) ++n;
-        return n ? item->ProcessList[n - 1] : 0;
-    }
     static uint16_t At(const ImageHeaderType* image, int x, int y)
     {
         return image->PixData[static_cast<size_t>(y) * image->nx + x];

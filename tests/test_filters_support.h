@@ -30,10 +30,6 @@ protected:
         FrameStoreTest::TearDown();
     }
 
-    static std::vector<uint16_t> Pixels(const ImageHeaderType* image)
-    {
-        return {image->PixData, image->PixData + static_cast<size_t>(image->nx) * image->ny};
-    }
     static uint16_t At(const ImageHeaderType* image, int x, int y)
     {
         return image->PixData[static_cast<size_t>(y) * image->nx + x];
@@ -55,12 +51,6 @@ protected:
         for (const auto& box : host.messageBoxes)
             if (box.text == text) return true;
         return false;
-    }
-    static int LastHistoryCode(const ImageHeaderType* item)
-    {
-        int n = 0;
-        while (n < 49 && item->ProcessList[n]) ++n;
-        return n ? item->ProcessList[n - 1] : 0;
     }
 
     TestFrameStore fs;

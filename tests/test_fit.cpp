@@ -26,10 +26,6 @@ protected:
         ImageHeaderType* r = AddImage(w, h, [](int, int) { return uint16_t{7}; }, "Result");
         return {s, r, std::vector<double>(static_cast<size_t>(w) * h)};
     }
-    static std::vector<uint16_t> Codes(const ImageHeaderType* image)
-    {
-        return {image->PixData, image->PixData + static_cast<size_t>(image->nx) * image->ny};
-    }
 };
 
 // Gaussian elimination written here for the reference fits (n up to 16).
@@ -286,7 +282,7 @@ TEST_F(FitTest, Poly2DLowAboveAllCodesIsSingularAndZero)
     double c[4] = {1, 1, 1, 1};
     EXPECT_EQ(FitPoly2D(p.result, p.source, nullptr, 60000, 65535, 0, nullptr, 1, 1, c, p.residual.data()),
               kSolveSingular);
-    for (uint16_t v : Codes(p.result)) ASSERT_EQ(v, 0);
+    for (uint16_t v : Pixels(p.result)) ASSERT_EQ(v, 0);
     for (double v : c) EXPECT_EQ(v, 0.0);
 }
 
@@ -296,7 +292,7 @@ TEST_F(FitTest, Poly2DZeroAreaRegionIsSingular)
     const int16_t line[6] = {0, 0, 100, 100, 200, 200};   // A, B, C on one line
     EXPECT_EQ(FitPoly2D(p.result, p.source, nullptr, 0, 65535, 1, line, 1, 0, nullptr, p.residual.data()),
               kSolveSingular);
-    for (uint16_t v : Codes(p.result)) ASSERT_EQ(v, 0);
+    for (uint16_t v : Pixels(p.result)) ASSERT_EQ(v, 0);
 }
 
 TEST_F(FitTest, Poly2DRegionRestrictsTheFit)
@@ -313,11 +309,11 @@ TEST_F(FitTest, Poly2DRegionRestrictsTheFit)
 TEST_F(FitTest, Poly2DBadArgumentsAreAProgramError)
 {
     Pair p = MakePair(8, 8, [](int, int) { return uint16_t{5}; });
-    const auto before = Codes(p.result);
+    const auto before = Pixels(p.result);
     EXPECT_EQ(FitPoly2D(p.result, p.source, nullptr, 0, 65535, 0, nullptr, 20, 1, nullptr, p.residual.data()), -1);
     EXPECT_TRUE(LogHas("FitPoly2D imi"));
     EXPECT_EQ(FitPoly2D(p.result, p.source, nullptr, 0, 65535, 0, nullptr, 1, 1, nullptr, nullptr), -1);
-    EXPECT_EQ(Codes(p.result), before);
+    EXPECT_EQ(Pixels(p.result), before);
 }
 
 TEST_F(FitTest, Poly2DBackgroundCodesOverwriteTheirOwnDoubles)
@@ -351,7 +347,7 @@ TEST_F(FitTest, Poly2DOneAndTwoThreadsGiveIdenticalResults)
     ASSERT_EQ(FitPoly2D(r2, a.source, nullptr, 0, 65535, 0, nullptr, 3, 3, c2, res2.data(), 2), kSolveOk);
     for (int i = 0; i < 16; ++i) EXPECT_EQ(c1[i], c2[i]);
     EXPECT_EQ(a.residual, res2);
-    EXPECT_EQ(Codes(a.result), Codes(r2));
+    EXPECT_EQ(Pixels(a.result), Pixels(r2));
 }
 
 TEST_F(FitTest, Poly2DTallImageReadsRowsBeyondTheWidth)

@@ -9,11 +9,13 @@
 #include "display/vfs.h"
 #include "host/text.h"
 #include "store/data_list.h"
+#include "store/history.h"
 #include "store/image_header.h"
 #include "store/memory.h"
 
 #include <functional>
 #include <string>
+#include <vector>
 
 class FrameStoreTest : public LibraryTest {
 protected:
@@ -97,6 +99,26 @@ protected:
         return n;
     }
     bool LogHasProgramErrors() const { return LogHas("Program error"); }
+
+    // Every code of an image, row 0 first.
+    static std::vector<uint16_t> Pixels(const ImageHeaderType* image)
+    {
+        return {image->PixData, image->PixData + static_cast<size_t>(image->nx) * image->ny};
+    }
+    // The code of the last step in an item's history (0 when it has none).
+    static int LastHistoryCode(const ImageHeaderType* item)
+    {
+        int n = 0;
+        while (n < kProcessListLength && item->ProcessList[n]) ++n;
+        return n ? item->ProcessList[n - 1] : 0;
+    }
+    // A message box with exactly this text was shown.
+    bool ErrorShown(const std::string& text) const
+    {
+        for (const auto& box : host.messageBoxes)
+            if (box.text == text) return true;
+        return false;
+    }
 };
 
 // Colours of the palette layout as the window shows them (0x00BBGGRR).

@@ -23,10 +23,6 @@ protected:
     {
         return image->PixData[static_cast<size_t>(y) * (width ? width : image->nx) + x];
     }
-    static std::vector<uint16_t> Pixels(const ImageHeaderType* image)
-    {
-        return {image->PixData, image->PixData + static_cast<size_t>(image->nx) * image->ny};
-    }
     ImageHeaderType* AddCoded(int nx, int ny, const char* title = "Scan")
     {
         ImageHeaderType* item = AddImage(nx, ny, Code, title);
@@ -41,18 +37,6 @@ protected:
     {
         EXPECT_EQ(CurrentItem, source->Next);
         return CurrentItem;
-    }
-    static int LastHistoryCode(const ImageHeaderType* item)
-    {
-        int n = 0;
-        while (n < kProcessListLength && item->ProcessList[n]) ++n;
-        return n ? item->ProcessList[n - 1] : 0;
-    }
-    bool ErrorShown(const std::string& text) const
-    {
-        for (const auto& box : host.messageBoxes)
-            if (box.text == text) return true;
-        return false;
     }
     // Points given in image pixels, reported as a host does: a move, then a click at the frame
     // position of the pixel within the image rectangle.

@@ -1,7 +1,7 @@
 // End-to-end tests of the command-line host: each test runs the tavrin binary in the test's own
 // home and data directories and checks its exit status, its output and the files it writes.
 // Input files are made in this process with the library (the same code a user's host runs).
-#include "support/test_host.h"
+#include "test_host_binary_support.h"
 #include "files/sample_data.h"
 #include "display/default_tables.h"
 #include "files/tiff_layout.h"
@@ -14,9 +14,6 @@
 #include "store/units.h"
 #include "test_tiff_support.h"
 
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -36,18 +33,13 @@ struct HostRun {
     std::string err;
 };
 
-class HostCliTest : public LibraryTest {
+class HostCliTest : public HostBinaryTest {
 protected:
-    // Runs the binary with the arguments (quoted for the shell by the caller where needed) in
-    // the data directory; `input` goes to its standard input.
+    // Runs the binary with `input` as its standard input; its status and both outputs.
     HostRun Run(const std::string& arguments, const std::string& input = "")
     {
-        WriteFileBytes(data + "stdin.txt", input);
-        std::string command = "cd '" + data + "' && TAVRIN_HOME='" + home + "' TAVRIN_DATA='" + data + "' '" +
-                              TAVRIN_HOST_BINARY + "' " + arguments + " < stdin.txt > stdout.txt 2> stderr.txt";
-        int raw = std::system(command.c_str());
         HostRun run;
-        run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        run.status = RunHostWithInput(arguments, input);
         run.out = ReadFileBytes(data + "stdout.txt");
         run.err = ReadFileBytes(data + "stderr.txt");
         return run;

@@ -45,22 +45,6 @@ protected:
         image->Zhi = 65535.0f;
         return image;
     }
-    static std::vector<uint16_t> Pixels(const ImageHeaderType* image)
-    {
-        return {image->PixData, image->PixData + static_cast<size_t>(image->nx) * image->ny};
-    }
-    static int LastHistoryCode(const ImageHeaderType* item)
-    {
-        int n = 0;
-        while (n < kProcessListLength && item->ProcessList[n]) ++n;
-        return n ? item->ProcessList[n - 1] : 0;
-    }
-    bool ErrorShown(const std::string& text) const
-    {
-        for (const auto& box : host.messageBoxes)
-            if (box.text == text) return true;
-        return false;
-    }
     TestFrameStore fs;
 };
 

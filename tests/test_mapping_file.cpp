@@ -1,5 +1,6 @@
 // Mapping sets in image files: the block at its offsets, round trips byte for byte, blocks built
 // by hand, every refusal with what the item keeps, failed allocations, and the hit data.
+#include "test_blocks_support.h"
 #include "test_mapping_support.h"
 #include "test_spectrum_support.h"
 #include "files/cits_file.h"
@@ -22,23 +23,14 @@ constexpr size_t kPixels16 = 7124 + 16 * 16 * 2;   // the file up to the mapping
 
 } // namespace
 
-class MappingFileTest : public LibraryTest {
+class MappingFileTest : public BlockCountTest {
 protected:
-    void SetUp() override
-    {
-        LibraryTest::SetUp();
-        ASSERT_EQ(host.Start(), 0);
-        host.ClearCalls();
-        blocks_ = LiveBlockCount();
-    }
     void TearDown() override
     {
-        while (FirstItem) EraseItem(FirstItem);
-        EXPECT_EQ(LiveBlockCount(), blocks_);
+        EraseAllAndExpectStartBlocks();
         EXPECT_EQ(LiveCITSPixelBlocks(), 0u);
-        LibraryTest::TearDown();
+        BlockCountTest::TearDown();
     }
-    size_t blocks_ = 0;
 
     // The bytes of a saved 16 by 16 image without a set, with the mapping flag set and `block`
     // behind the pixels.

@@ -1,5 +1,6 @@
 // Ground truth of the sample mappings: every plane decodes to its model within one code step,
 // the sweeps and kinds are those documented, and a save and load keeps every byte of the set.
+#include "test_blocks_support.h"
 #include "test_mapping_support.h"
 #include "files/sample_data.h"
 #include "files/tiff_read.h"
@@ -9,22 +10,13 @@
 
 using namespace maptest;
 
-class MappingSampleTest : public LibraryTest {
+class MappingSampleTest : public BlockCountTest {
 protected:
-    void SetUp() override
-    {
-        LibraryTest::SetUp();
-        ASSERT_EQ(host.Start(), 0);
-        host.ClearCalls();
-        blocks_ = LiveBlockCount();
-    }
     void TearDown() override
     {
-        while (FirstItem) EraseItem(FirstItem);
-        EXPECT_EQ(LiveBlockCount(), blocks_);
-        LibraryTest::TearDown();
+        EraseAllAndExpectStartBlocks();
+        BlockCountTest::TearDown();
     }
-    size_t blocks_ = 0;
 
     // Every pixel of every plane against the model; answers the largest error in code steps.
     template <typename Model>

@@ -1,5 +1,6 @@
 // Mapping sets in memory: life of a set, access, the validity rules, the upgrade of entries, the
 // pixel decoding, the hit data check, the data type table and the entry points.
+#include "test_blocks_support.h"
 #include "test_mapping_support.h"
 #include "files/mapping_entry_sources.h"
 #include "host/log.h"
@@ -13,25 +14,13 @@
 using namespace maptest;
 using tifftest::Contains;
 
-class MappingSetTest : public LibraryTest {
+class MappingSetTest : public BlockCountTest {
 protected:
-    void SetUp() override
-    {
-        LibraryTest::SetUp();
-        ASSERT_EQ(host.Start(), 0);
-        host.ClearCalls();
-        blocks_ = LiveBlockCount();
-    }
     void TearDown() override
     {
-        dl_EraseAllDataQuietForTests();
-        LibraryTest::TearDown();
+        EraseAllItems();
+        BlockCountTest::TearDown();
     }
-    static void dl_EraseAllDataQuietForTests()
-    {
-        while (FirstItem) EraseItem(FirstItem);
-    }
-    size_t blocks_ = 0;
     int Boxes(const std::string& text) const
     {
         int n = 0;

@@ -1,5 +1,5 @@
 // Memory and data buffers: handle pairs, sample blocks, records, hit data, the registry.
-#include "support/test_host.h"
+#include "test_blocks_support.h"
 #include "host/globals.h"
 #include "store/data_list.h"
 #include "store/image_header.h"
@@ -10,14 +10,11 @@
 #include <cstdint>
 #include <cstring>
 
-class MemoryTest : public LibraryTest {
+class MemoryTest : public BlockCountTest {
 protected:
     void SetUp() override
     {
-        LibraryTest::SetUp();
-        ASSERT_EQ(host.Start(), 0);
-        host.ClearCalls();
-        blocks_ = LiveBlockCount();
+        BlockCountTest::SetUp();
         bytes_ = LiveBlockBytes();
     }
     // Every failure test ends where it started: nothing leaked.
@@ -33,7 +30,7 @@ protected:
     }
 
 private:
-    size_t blocks_ = 0, bytes_ = 0;
+    size_t bytes_ = 0;
 };
 
 TEST_F(MemoryTest, AllocateMemTakesAValidPair)

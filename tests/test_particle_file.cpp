@@ -12,15 +12,6 @@
 
 namespace {
 
-const std::vector<std::string> kSquares = {
-    "..........",
-    ".##.......",
-    ".##...###.",
-    "......###.",
-    "#.....###.",
-    "..........",
-};
-
 std::string ReadFile(const std::string& path)
 {
     std::ifstream in(path, std::ios::binary);

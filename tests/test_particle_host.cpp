@@ -1,15 +1,12 @@
 // The host's particles command as a user runs it: the sample topography saved, levelled with
 // the background command, then analysed; the summary, the statistics text, the bilevel image
 // and the JSON form, and the usage errors.
-#include "support/test_host.h"
+#include "test_host_binary_support.h"
 
 #include "files/sample_data.h"
 #include "files/tiff_write.h"
 #include "png_decoder.h"
 
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -17,20 +14,14 @@
 
 namespace {
 
-class ParticleHostTest : public LibraryTest {
+class ParticleHostTest : public HostBinaryTest {
 protected:
     void SetUp() override
     {
-        LibraryTest::SetUp();
+        HostBinaryTest::SetUp();
         ASSERT_EQ(host.Start(), 0);
     }
-    int Run(const std::string& arguments)
-    {
-        const std::string command = "cd '" + data + "' && TAVRIN_HOME='" + home + "' TAVRIN_DATA='" + data + "' '" +
-                                    TAVRIN_HOST_BINARY + "' " + arguments + " > stdout.txt 2> stderr.txt";
-        const int raw = std::system(command.c_str());
-        return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    }
+    int Run(const std::string& arguments) { return RunHost(arguments); }
     std::string Read(const std::string& name) const
     {
         std::ifstream in(Path(name), std::ios::binary);

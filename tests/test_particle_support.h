@@ -22,6 +22,16 @@ inline std::vector<uint16_t> GridOf(const std::vector<std::string>& rows)
     return codes;
 }
 
+// Three objects: a 2 by 2 square, a 3 by 3 square and one pixel on the left edge.
+inline const std::vector<std::string> kSquares = {
+    "..........",
+    ".##.......",
+    ".##...###.",
+    "......###.",
+    "#.....###.",
+    "..........",
+};
+
 class ParticleTest : public FrameStoreTest {
 protected:
     void SetUp() override
@@ -71,22 +81,6 @@ protected:
         return Start(128, 255, connectivity);
     }
 
-    bool ErrorShown(const std::string& text) const
-    {
-        for (const auto& box : host.messageBoxes)
-            if (box.text == text) return true;
-        return false;
-    }
-    static std::vector<uint16_t> Codes(const ImageHeaderType* image)
-    {
-        return {image->PixData, image->PixData + static_cast<size_t>(image->nx) * image->ny};
-    }
-    static int LastHistoryCode(const ImageHeaderType* item)
-    {
-        int n = 0;
-        while (n < 49 && item->ProcessList[n]) ++n;
-        return n ? item->ProcessList[n - 1] : 0;
-    }
 
     TestFrameStore main;
     wint_ParticleSttsParamType stts{};

@@ -19,15 +19,6 @@ std::unique_ptr<wint_ParticleParamType> Record()
     return p;
 }
 
-const std::vector<std::string> kSquares = {
-    "..........",
-    ".##.......",
-    ".##...###.",
-    "......###.",
-    "#.....###.",
-    "..........",
-};
-
 // The edge cases.
 
 TEST_F(ParticleTest, OnePixelObjectHasOnePixelPerimeterZeroAndShapeZero)
@@ -69,7 +60,7 @@ TEST_F(ParticleTest, IsolateWithOneRemovesSinglePixelsOnly)
     ASSERT_EQ(CurrentParticleStats().ObjectCount, 6);
     host.entryAnswers.push_back("1");
     EXPECT_EQ(dl_IsolateBilevelImage(), 2);
-    EXPECT_EQ(Codes(bilevel), GridOf({
+    EXPECT_EQ(Pixels(bilevel), GridOf({
                                   ".........",
                                   "...##....",
                                   ".........",
@@ -113,7 +104,7 @@ TEST_F(ParticleTest, ErosionAtTheImageEdgeKeepsEdgeObjects)
         "###..###",
     });
     dl_ErodeBilevelImage();
-    EXPECT_EQ(Codes(bilevel), GridOf({
+    EXPECT_EQ(Pixels(bilevel), GridOf({
                                   "##......",
                                   "##......",
                                   "##......",
@@ -246,7 +237,7 @@ TEST_F(ParticleTest, MakeBilevelAddsCode110ToTheSourceAndLeavesItCurrent)
     EXPECT_EQ(LastHistoryCode(source), kBilevelCode);
     EXPECT_EQ(LastHistoryCode(bilevel), 0);
     EXPECT_TRUE(LogHas("Generate Bilevel Image 'Topo'\n"));
-    EXPECT_EQ(Codes(bilevel), (std::vector<uint16_t>{0, 65535, 65535, 0, 0, 65535, 65535, 0}));
+    EXPECT_EQ(Pixels(bilevel), (std::vector<uint16_t>{0, 65535, 65535, 0, 0, 65535, 65535, 0}));
     for (int i = 0; i < 256; ++i) EXPECT_EQ(bilevel->ImageLUT[i], i);
 }
 
@@ -256,7 +247,7 @@ TEST_F(ParticleTest, MakeBilevelReadsLevelsThroughTheSourceTable)
     for (int i = 0; i < 256; ++i) source->ImageLUT[i] = static_cast<uint8_t>(255 - i);
     ImageHeaderType* bilevel = Start(0, 100);   // levels 255, 177, 99, 21
     ASSERT_NE(bilevel, nullptr);
-    EXPECT_EQ(Codes(bilevel), (std::vector<uint16_t>{0, 0, 65535, 65535}));
+    EXPECT_EQ(Pixels(bilevel), (std::vector<uint16_t>{0, 0, 65535, 65535}));
 }
 
 TEST_F(ParticleTest, BilevelTestReportsOnceAndRemembersTheItem)
@@ -418,7 +409,7 @@ TEST_F(ParticleTest, DilationInPlaceWithStatisticsOneStepBehind)
     ASSERT_EQ(CurrentParticleStats().ObjectCount, 2);
     dl_DilateBilevelImage();
     EXPECT_EQ(CountItems(), items);   // in place, no new item
-    EXPECT_EQ(Codes(bilevel), GridOf({".#...", "###..", ".#.#.", "..###", "...#."}));
+    EXPECT_EQ(Pixels(bilevel), GridOf({".#...", "###..", ".#.#.", "..###", "...#."}));
     EXPECT_EQ(LastHistoryCode(bilevel), kDilateCode);
     EXPECT_TRUE(LogHas("Dilate 'Grains'\n"));
     // The statistics were taken before the new codes went in: two one-pixel objects.
@@ -433,13 +424,13 @@ TEST_F(ParticleTest, DilationInPlaceWithStatisticsOneStepBehind)
 TEST_F(ParticleTest, IsolateRefusesSizesBelowOneAndCancelChangesNothing)
 {
     ImageHeaderType* bilevel = StartOn(kSquares);
-    const std::vector<uint16_t> before = Codes(bilevel);
+    const std::vector<uint16_t> before = Pixels(bilevel);
     host.entryAnswers.push_back("0");
     EXPECT_EQ(dl_IsolateBilevelImage(), 3);
     EXPECT_TRUE(ErrorShown("Invalid data entry"));
-    EXPECT_EQ(Codes(bilevel), before);
+    EXPECT_EQ(Pixels(bilevel), before);
     EXPECT_EQ(dl_IsolateBilevelImage(), 3);   // no answer: cancelled
-    EXPECT_EQ(Codes(bilevel), before);
+    EXPECT_EQ(Pixels(bilevel), before);
     EXPECT_EQ(LastHistoryCode(bilevel), 0);
 }
 
@@ -470,7 +461,7 @@ TEST_F(ParticleTest, ShootRemovesTheObjectUnderThePointer)
     EXPECT_EQ(CurrentParticleStats().ObjectCount, 3);
     EXPECT_EQ(dl_ParticlePointer_Callback(18, 199, 153, 1), 0);
     EXPECT_EQ(CurrentParticleStats().ObjectCount, 2);
-    EXPECT_EQ(Codes(bilevel), GridOf({"..........", ".##.......", ".##.......", "..........", "#.........",
+    EXPECT_EQ(Pixels(bilevel), GridOf({"..........", ".##.......", ".##.......", "..........", "#.........",
                                       ".........."}));
     // Background under the pointer.
     EXPECT_EQ(dl_ParticlePointer_Callback(18, 255, 0, 1), 0);

@@ -1,6 +1,6 @@
 // The host's plot and spec commands, run as a user runs them: the binary in the test's own
 // directories, on sample spectra saved there.
-#include "support/test_host.h"
+#include "test_host_binary_support.h"
 
 #include "files/sample_data.h"
 #include "files/spectrum_files.h"
@@ -8,29 +8,19 @@
 #include "store/data_list.h"
 #include "store/history.h"
 
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <string>
 
 namespace {
 
-class SpecHostTest : public LibraryTest {
+class SpecHostTest : public HostBinaryTest {
 protected:
     void SetUp() override
     {
-        LibraryTest::SetUp();
+        HostBinaryTest::SetUp();
         ASSERT_EQ(host.Start(), 0);
     }
 
-    // Exit status of the binary with the arguments, run in the data directory.
-    int Run(const std::string& arguments)
-    {
-        const std::string command = "cd '" + data + "' && TAVRIN_HOME='" + home + "' TAVRIN_DATA='" + data + "' '" +
-                                    TAVRIN_HOST_BINARY + "' " + arguments + " > stdout.txt 2> stderr.txt";
-        const int raw = std::system(command.c_str());
-        return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    }
+    int Run(const std::string& arguments) { return RunHost(arguments); }
     void Save(ImageHeaderType* item, const std::string& name) { ASSERT_EQ(SaveSpecFile(item, Path(name).c_str()), 0); }
     ImageHeaderType* Load(const std::string& name)
     {

@@ -56,16 +56,6 @@ protected:
         for (ImageHeaderType* i = FirstItem; i; i = i->Next) ++n;
         return n;
     }
-    static int LastHistoryCode(const ImageHeaderType* item)
-    {
-        int n = 0;
-        while (n < kProcessListLength && item->ProcessList[n]) ++n;
-        return n ? item->ProcessList[n - 1] : 0;
-    }
-    static std::vector<uint16_t> Codes(const ImageHeaderType* image)
-    {
-        return {image->PixData, image->PixData + static_cast<size_t>(image->nx) * image->ny};
-    }
     // Applies `p` to the current image through the host's calls; answers the new item.
     ImageHeaderType* ApplyWith(const wint_SubtBckgrndParamType& p)
     {
@@ -141,7 +131,7 @@ TEST_F(SubtBackTest, LeavingChangesNoListAndLeaksNothing)
 {
     ImageHeaderType* source = AddImage(64, 48, [](int x, int y) { return static_cast<uint16_t>(1000 + 30 * x + 11 * y); });
     const int items = ListLength();
-    const auto codes = Codes(source);
+    const auto codes = Pixels(source);
     wint_SubtBckgrndParamType p{};
     // A first use leaves the preview's drawing in the source store's display list; from then
     // on each use must give back every block it takes.
@@ -163,7 +153,7 @@ TEST_F(SubtBackTest, LeavingChangesNoListAndLeaksNothing)
     EXPECT_FALSE(second.open);
     EXPECT_EQ(ListLength(), items);
     EXPECT_EQ(CurrentItem, source);
-    EXPECT_EQ(Codes(source), codes);
+    EXPECT_EQ(Pixels(source), codes);
     EXPECT_EQ(LiveBlockCount(), blocks);
     EXPECT_EQ(SubtBack().Param.Method, static_cast<uint32_t>(TV_SUBT_LINES));   // kept for the next use
 }
@@ -248,7 +238,7 @@ TEST_F(SubtBackTest, FlatImageGivesZerosAndNoDataScale)
         ImageHeaderType* result = ApplyWith(Params(method));
         ASSERT_NE(result, source);
         EXPECT_EQ(result->DataScale, 0.0f) << method;
-        const auto codes = Codes(result);
+        const auto codes = Pixels(result);
         EXPECT_EQ(*std::max_element(codes.begin(), codes.end()), 0) << method;
     }
     // The 3 point plane solves for a = b = 0, c = 100 in double; rounding can leave c a hair
@@ -267,7 +257,7 @@ TEST_F(SubtBackTest, FlatImageGivesZerosAndNoDataScale)
     p.DegreeX = p.DegreeY = 0;
     ImageHeaderType* result = ApplyWith(p);
     EXPECT_EQ(result->DataScale, 2.0f);
-    for (uint16_t v : Codes(result)) ASSERT_EQ(v, 0);
+    for (uint16_t v : Pixels(result)) ASSERT_EQ(v, 0);
 }
 
 TEST_F(SubtBackTest, SurfaceDegreeZeroIgnoresThresholdsAndRegion)
@@ -352,7 +342,7 @@ TEST_F(SubtBackTest, CollinearPlanePointsGiveZeroEverywhere)
     std::memcpy(reinterpret_cast<char*>(&p) + offsetof(wint_SubtBckgrndParamType, PlanePoints), line, sizeof line);
     ImageHeaderType* result = ApplyWith(p);
     ASSERT_NE(result, source);
-    for (uint16_t v : Codes(result)) ASSERT_EQ(v, 0);
+    for (uint16_t v : Pixels(result)) ASSERT_EQ(v, 0);
 }
 
 TEST_F(SubtBackTest, ManualSlopeIsAddedAndTruncatedAfterTheAddition)

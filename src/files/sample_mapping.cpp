@@ -23,7 +23,15 @@ struct SetModel {
     const char* unitTitle;       // title of every image, "%s %.3f" with the sweep value
     double (*sweep)(int k);
     ModelFn value;
+    double (*height)(int x, int y, const void* context);   // the topography
     const void* context;
+};
+
+// The texts of a sample item.
+struct ItemTexts {
+    const char* title;
+    const char* fileName;
+    const char* note;
 };
 
 bool InDisc(int x, int y)
@@ -83,9 +91,14 @@ CITSHeaderType* MakeSet(const SetModel& model)
     return set;
 }
 
-// The topography item with its set, or null (reported) with the list as it was.
-ImageHeaderType* MakeMappingItem(ImageHeaderType* after, const std::vector<double>& heights, const SetModel& model)
+// The topography item with its set, its texts and its side in nm, or null (reported) with the
+// list as it was.
+ImageHeaderType* MakeMappingItem(ImageHeaderType* after, const SetModel& model, const ItemTexts& texts, float sizeNm)
 {
+    std::vector<double> heights(static_cast<size_t>(model.size) * model.size);
+    for (int y = 0; y < model.size; ++y)
+        for (int x = 0; x < model.size; ++x)
+            heights[static_cast<size_t>(y) * model.size + x] = model.height(x, y, model.context);
     ImageHeaderType* item = ImageFromHeights(after, heights, model.size);
     if (!item) return nullptr;
     CITSHeaderType* set = MakeSet(model);
@@ -103,14 +116,11 @@ ImageHeaderType* MakeMappingItem(ImageHeaderType* after, const std::vector<doubl
     item->DataSource = 1;
     item->ScanMode = 2;
     item->ClockSpeed = 1.0f;
+    strncpy0(item->Title, texts.title, sizeof item->Title);
+    strncpy0(item->FileName, texts.fileName, sizeof item->FileName);
+    strncpy0(item->GeneralText[0], texts.note, sizeof item->GeneralText[0]);
+    item->ImageSizeX = item->ImageSizeY = sizeNm;
     return item;
-}
-
-void Texts(ImageHeaderType* item, const char* title, const char* fileName, const char* note)
-{
-    strncpy0(item->Title, title, sizeof item->Title);
-    strncpy0(item->FileName, fileName, sizeof item->FileName);
-    strncpy0(item->GeneralText[0], note, sizeof item->GeneralText[0]);
 }
 
 double IVValue(int x, int y, int k, const void*) { return SampleIVMappingValue(x, y, k); }
@@ -119,6 +129,24 @@ double ForceValue(int x, int y, int k, const void* context)
     return SampleForceMappingValue(x, y, k, *static_cast<const bool*>(context));
 }
 double FVValue(int x, int y, int k, const void*) { return SampleFVMappingValue(x, y, k); }
+
+// The topographies: two domains on a tilt; the contact height, with or without the step; a
+// step at the middle column.
+double IVHeight(int x, int y, const void*)
+{
+    using namespace SampleIVMapping;
+    return kTilt * x + (x + y / 2.0 < kDomainEdge ? 0.0 : kDomainStep);
+}
+double ForceHeight(int x, int, const void* context)
+{
+    using namespace SampleForceMapping;
+    return kContact - ContactZ(x, *static_cast<const bool*>(context));
+}
+double FVHeight(int x, int, const void*)
+{
+    using namespace SampleFVMapping;
+    return x >= kSize / 2 ? 0.2 : 0.0;
+}
 
 } // namespace
 
@@ -170,15 +198,12 @@ double SampleFVMappingValue(int x, int y, int k)
 ImageHeaderType* MakeSampleIVMapping(ImageHeaderType* after)
 {
     using namespace SampleIVMapping;
-    std::vector<double> heights(static_cast<size_t>(kSize) * kSize);
-    for (int y = 0; y < kSize; ++y)
-        for (int x = 0; x < kSize; ++x)
-            heights[static_cast<size_t>(y) * kSize + x] = kTilt * x + (x + y / 2.0 < kDomainEdge ? 0.0 : kDomainStep);
-    const SetModel model{kSize, kImages, 4, "I at", SampleIVMappingBias, IVValue, nullptr};
-    ImageHeaderType* item = MakeMappingItem(after, heights, model);
+    const SetModel model{kSize, kImages, 4, "I at", SampleIVMappingBias, IVValue, IVHeight, nullptr};
+    ImageHeaderType* item =
+        MakeMappingItem(after, model,
+                        {"I-V mapping, two domains", "Sample I-V mapping", "Built-in sample: I-V mapping 64 x 64 x 128"},
+                        kSizeNm);
     if (!item) return nullptr;
-    Texts(item, "I-V mapping, two domains", "Sample I-V mapping", "Built-in sample: I-V mapping 64 x 64 x 128");
-    item->ImageSizeX = item->ImageSizeY = kSizeNm;
     item->MapType = 12;
     item->BiasVoltage = 1.0f;
     item->TunnelCurrent = 0.5f;
@@ -188,16 +213,12 @@ ImageHeaderType* MakeSampleIVMapping(ImageHeaderType* after)
 ImageHeaderType* MakeSampleForceMapping(ImageHeaderType* after, bool step)
 {
     using namespace SampleForceMapping;
-    std::vector<double> heights(static_cast<size_t>(kSize) * kSize);
-    for (int y = 0; y < kSize; ++y)
-        for (int x = 0; x < kSize; ++x)
-            heights[static_cast<size_t>(y) * kSize + x] = kContact - ContactZ(x, step);
-    const SetModel model{kSize, kImages, 16, "F at", SampleForceMappingZ, ForceValue, &step};
-    ImageHeaderType* item = MakeMappingItem(after, heights, model);
+    const SetModel model{kSize, kImages, 16, "F at", SampleForceMappingZ, ForceValue, ForceHeight, &step};
+    ImageHeaderType* item = MakeMappingItem(after, model,
+                                            {step ? "Force mapping, disc and step" : "Force mapping, disc",
+                                             "Sample force mapping", "Built-in sample: force-curve mapping 64 x 64 x 128"},
+                                            kSizeNm);
     if (!item) return nullptr;
-    Texts(item, step ? "Force mapping, disc and step" : "Force mapping, disc", "Sample force mapping",
-          "Built-in sample: force-curve mapping 64 x 64 x 128");
-    item->ImageSizeX = item->ImageSizeY = kSizeNm;
     item->ScanMode = 1;
     item->AFMMode = 1;
     item->MapType = 15;
@@ -226,14 +247,11 @@ ImageHeaderType* MakeSampleForceMappingWithStep(ImageHeaderType* after) { return
 ImageHeaderType* MakeSampleFVMapping(ImageHeaderType* after)
 {
     using namespace SampleFVMapping;
-    std::vector<double> heights(static_cast<size_t>(kSize) * kSize);
-    for (int y = 0; y < kSize; ++y)
-        for (int x = 0; x < kSize; ++x) heights[static_cast<size_t>(y) * kSize + x] = x >= kSize / 2 ? 0.2 : 0.0;
-    const SetModel model{kSize, kImages, 16, "F at", SampleFVMappingBias, FVValue, nullptr};
-    ImageHeaderType* item = MakeMappingItem(after, heights, model);
+    const SetModel model{kSize, kImages, 16, "F at", SampleFVMappingBias, FVValue, FVHeight, nullptr};
+    ImageHeaderType* item = MakeMappingItem(
+        after, model, {"F-V mapping, potential ramp", "Sample F-V mapping", "Built-in sample: F-V mapping 32 x 32 x 81"},
+        kSizeNm);
     if (!item) return nullptr;
-    Texts(item, "F-V mapping, potential ramp", "Sample F-V mapping", "Built-in sample: F-V mapping 32 x 32 x 81");
-    item->ImageSizeX = item->ImageSizeY = kSizeNm;
     item->ScanMode = 1;
     item->AFMMode = 2;
     item->MapType = 60;

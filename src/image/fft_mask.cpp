@@ -53,6 +53,21 @@ bool MaskFits(const ImageHeaderType* item)
     return g_mask && item && g_maskNx == item->nx && g_maskNy == item->ny;
 }
 
+// A command on the mask needs a spectrum in the item and a mask of its size; reports the first
+// that is missing.
+bool CheckSpectrumAndMask(const ImageHeaderType* item)
+{
+    if (!HasFFT(item)) {
+        Error(ERR_NOT_FFT);
+        return false;
+    }
+    if (!MaskFits(item)) {
+        Error(ERR_WINDOW_SIZE);
+        return false;
+    }
+    return true;
+}
+
 // The sides a limit is taken over: the physical sizes, or the pixel counts where those are 0.
 double SideOr(double size, int pixels) { return size != 0.0 ? size : static_cast<double>(pixels); }
 
@@ -163,14 +178,7 @@ void FillFFTWinParam(wint_FFTWinParamType* param)
 int AddMaskBand(int mode, double low, double high, uint8_t value)
 {
     const ImageHeaderType* item = CurrentItem;
-    if (!HasFFT(item)) {
-        Error(ERR_NOT_FFT);
-        return 1;
-    }
-    if (!MaskFits(item)) {
-        Error(ERR_WINDOW_SIZE);
-        return 1;
-    }
+    if (!CheckSpectrumAndMask(item)) return 1;
     double sx = SideOr(item->ImageSizeX, item->nx), sy = SideOr(item->ImageSizeY, item->ny);
     if (mode == 1) {
         if (item->ScanSpeedX <= 0.0f || item->ScanSpeedY <= 0.0f) {
@@ -256,14 +264,7 @@ int ApplyMask()
         Error(ERR_NO_IMAGES);
         return 1;
     }
-    if (!HasFFT(item)) {
-        Error(ERR_NOT_FFT);
-        return 1;
-    }
-    if (!MaskFits(item)) {
-        Error(ERR_WINDOW_SIZE);
-        return 1;
-    }
+    if (!CheckSpectrumAndMask(item)) return 1;
     const int nx = item->nx, ny = item->ny;
     for (int y = 0; y < ny; ++y) {
         float* row = item->FFTDataPtr + static_cast<size_t>((ny / 2 + y) % ny) * nx * 2;

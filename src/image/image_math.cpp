@@ -5,6 +5,7 @@
 #include "host/entry.h"
 #include "host/errors.h"
 #include "host/log.h"
+#include "image/any_image_command.h"
 #include "image/image_frame.h"
 #include "image/z_range.h"
 #include "store/data_list.h"
@@ -34,17 +35,6 @@ constexpr int kLevels = 256;
 constexpr int kSingleCodes[8] = {23, 24, 77, 25, 26, 27, kAddCode, kSubtractCode};
 constexpr int kDoubleCodes[10] = {30, 31, 32, 33, 34, 35, 36, 37, 98, 99};
 
-size_t Codes(const ImageHeaderType* image) { return static_cast<size_t>(image->nx) * static_cast<size_t>(image->ny); }
-
-ImageCommand MathCommand(int code, const char* wait)
-{
-    ImageCommand c;
-    c.wait = wait;
-    c.code = code;
-    c.refuseSpecial = false;
-    return c;
-}
-
 uint16_t Clip(double v)
 {
     if (!(v > 0.0)) return 0;
@@ -73,7 +63,7 @@ int64_t AddAmount(int op, int32_t c) { return op == 7 ? int64_t{c} : -int64_t{c}
 void SingleImageMath(int op)
 {
     if (op <= 0) return;
-    ImageCommand command = MathCommand(0, "Please wait");
+    ImageCommand command = AnyImageCommand(0, "Please wait");
     ImageHeaderType* source = CheckImageCommand(command);
     if (!source) return;
     int32_t c = 0;
@@ -148,7 +138,7 @@ uint16_t CombineCodes(int op, uint16_t a, uint16_t b)
 void DoubleImageMath(int op)
 {
     if (op <= 0) return;
-    ImageCommand command = MathCommand(0, "Please wait");
+    ImageCommand command = AnyImageCommand(0, "Please wait");
     ImageHeaderType* source = CheckImageCommand(command);
     if (!source) return;
     const ImageHeaderType* second = SelectDataByHost(1, SELECT_SAME_SOURCE);
@@ -173,7 +163,7 @@ void DoubleImageMath(int op)
 CodeExtremes ScanCodeExtremes(const ImageHeaderType* image)
 {
     CodeExtremes e{65535, 0};
-    const size_t n = Codes(image);
+    const size_t n = CodeCount(image);
     for (size_t i = 0; i < n; ++i) {
         const uint32_t p = image->PixData[i];
         if (p > e.max)
@@ -208,7 +198,7 @@ CodeExtremes NormaliseCodes(ImageHeaderType* result, const ImageHeaderType* sour
 
 void NormaliseImage()
 {
-    const ImageCommand command = MathCommand(kNormaliseCode, "Please wait while normalising image");
+    const ImageCommand command = AnyImageCommand(kNormaliseCode, "Please wait while normalising image");
     ImageHeaderType* source = CheckImageCommand(command);
     if (!source) return;
     ImageHeaderType* result = MakeCommandResult(command, source);
@@ -272,7 +262,7 @@ uint16_t SDStretchCode(const uint16_t table[256], uint16_t p)
 
 void NormaliseSD()
 {
-    ImageCommand command = MathCommand(kNormaliseSDCode, nullptr);
+    ImageCommand command = AnyImageCommand(kNormaliseSDCode, nullptr);
     command.registerTwice = true;   // the parameter text is left as it is
     ImageHeaderType* source = CheckImageCommand(command);
     if (!source) return;
@@ -289,7 +279,7 @@ void NormaliseSD()
     }
     CalcHistogram(source, work->bins);
     double mean = 0.0, sd = 1.0;
-    HistogramMoments(work->bins, static_cast<int64_t>(Codes(source)), &mean, &sd);
+    HistogramMoments(work->bins, static_cast<int64_t>(CodeCount(source)), &mean, &sd);
     for (int i = 0; i < kLevels; ++i) {
         work->x[i] = static_cast<float>((i - mean) / sd);
         work->y[i] = static_cast<float>(work->bins[i]);

@@ -8,6 +8,7 @@
 #include "host/ap_callbacks.h"
 #include "host/entry.h"
 #include "host/errors.h"
+#include "image/any_image_command.h"
 #include "image/image_frame.h"
 #include "image/z_range.h"
 #include "store/data_list.h"
@@ -29,18 +30,6 @@ constexpr int kIntegerChars = 3;
 constexpr int kRealChars = 9;
 constexpr unsigned kErrNotColourImage = 33550;   // "Image is not colour image"
 constexpr uint16_t kFixedColourCodes = 35 * 256;
-
-size_t Codes(const ImageHeaderType* image) { return static_cast<size_t>(image->nx) * static_cast<size_t>(image->ny); }
-
-// The frame of a command on the table: nothing refused but a missing image.
-ImageCommand TableCommand(int code, const char* wait = nullptr)
-{
-    ImageCommand c;
-    c.wait = wait;
-    c.code = code;
-    c.refuseSpecial = false;
-    return c;
-}
 
 // Rows of the result as codes of the source through `map`, each shown.
 template <class Map>
@@ -84,7 +73,7 @@ ImageHeaderType* CopyImageItem(const ImageHeaderType* source)
 {
     ImageHeaderType* copy = DuplicateForResult(source);
     if (!copy) return nullptr;
-    std::memcpy(copy->PixData, source->PixData, Codes(source) * sizeof(uint16_t));
+    std::memcpy(copy->PixData, source->PixData, CodeCount(source) * sizeof(uint16_t));
     return copy;
 }
 
@@ -99,7 +88,7 @@ void MathLUT(int op)
     double k = 0.0;
     if (!EnterLUTConstant(op, &k)) return;
     RunImageCommand(
-        TableCommand(kFirstMathLUTCode + op - 1),
+        AnyImageCommand(kFirstMathLUTCode + op - 1),
         [op, k](const ImageHeaderType* source, ImageHeaderType* result) {
             MathLUTTable(op, k, result->ImageLUT);
             CopyRows(source, result);
@@ -110,7 +99,7 @@ void MathLUT(int op)
 void LineariseImageLUT()
 {
     RunImageCommand(
-        TableCommand(kLinearCode),
+        AnyImageCommand(kLinearCode),
         [](const ImageHeaderType* source, ImageHeaderType* result) {
             IdentityTable(result->ImageLUT);
             result->Brightness = 0.0f;
@@ -124,12 +113,12 @@ void LineariseImageLUT()
 int HistEqualise()
 {
     const ImageHeaderType* made = RunImageCommand(
-        TableCommand(kEqualiseCode, "Please wait while performing histogram equalisation"),
+        AnyImageCommand(kEqualiseCode, "Please wait while performing histogram equalisation"),
         [](const ImageHeaderType* source, ImageHeaderType* result) {
             int32_t bins[kHistogramBins];
             CalcHistogram(source, bins);
             uint8_t table[256];
-            EqualiseTable(bins, static_cast<int64_t>(Codes(source)), table);
+            EqualiseTable(bins, static_cast<int64_t>(CodeCount(source)), table);
             for (int i = 0; i < 256; ++i) result->ImageLUT[i] = table[source->ImageLUT[i]];
             CopyRows(source, result);
         },
@@ -148,7 +137,7 @@ uint16_t CodeThroughTable(const uint8_t table[256], uint16_t code)
 ImageHeaderType* TransformThroughLUT()
 {
     return RunImageCommand(
-        TableCommand(kTransformCode),
+        AnyImageCommand(kTransformCode),
         [](const ImageHeaderType* source, ImageHeaderType* result) {
             const uint8_t* table = source->ImageLUT;
             MapRows(source, result, [table](uint16_t p) { return CodeThroughTable(table, p); });
@@ -169,7 +158,7 @@ ImageHeaderType* RemoveLUTColours()
         return nullptr;
     }
     return RunImageCommand(
-        TableCommand(kRemoveColoursCode),
+        AnyImageCommand(kRemoveColoursCode),
         [](const ImageHeaderType* source, ImageHeaderType* result) {
             result->ColourImage = 0;
             MapRows(source, result, [](uint16_t p) {

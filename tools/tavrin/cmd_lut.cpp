@@ -10,7 +10,6 @@
 #include "picture.h"
 #include "session.h"
 
-#include <cstdio>
 
 namespace {
 
@@ -91,15 +90,8 @@ int Histogram(const Args& args)
     const ImageHeaderType* source = OpenImageForCommand("histogram", line.words[0]);
     if (!source) return 1;
     dl_DisplayHistogram();
-    if (dl_GetCurrentImagePtr() == source) return 1;
-    if (EndsWith(out, ".png")) {
-        ShowCurrentItem(ShowOptions{});
-        if (!WriteCurrentPicture(out)) return 1;
-    } else if (!SaveCurrentItem(out, false)) {
-        return 1;
-    }
-    std::printf("%s\n", out.c_str());
-    return 0;
+    // The plot item: its picture for .png, its table for .dat.
+    return WriteImageResult(source, out);
 }
 
 } // namespace
