@@ -115,6 +115,45 @@ TEST(FFTCore, OneAndTwoThreadsGiveTheSameBits)
     EXPECT_EQ(std::memcmp(one.data(), two.data(), one.size() * sizeof(float)), 0);
 }
 
+// Rows then columns through FFT1D one line at a time, the columns through a scratch line.
+std::vector<float> LineByLine(std::vector<float> data, int log2ny, int log2nx, int rowLength, bool forward)
+{
+    const int nx = 1 << log2nx, ny = 1 << log2ny;
+    for (int y = 0; y < ny; ++y) FFT1D(data.data() + 2 * static_cast<size_t>(y) * rowLength, log2nx, forward);
+    std::vector<float> column(2 * static_cast<size_t>(ny));
+    for (int x = 0; x < nx; ++x) {
+        for (int y = 0; y < ny; ++y)
+            for (int part = 0; part < 2; ++part) column[2 * y + part] = data[2 * (static_cast<size_t>(y) * rowLength + x) + part];
+        FFT1D(column.data(), log2ny, forward);
+        for (int y = 0; y < ny; ++y)
+            for (int part = 0; part < 2; ++part) data[2 * (static_cast<size_t>(y) * rowLength + x) + part] = column[2 * y + part];
+    }
+    return data;
+}
+
+TEST(FFTCore, TheTwoDimensionalPassGivesEveryLineTheBitsOfTheOneDimensionalOne)
+{
+    // Sizes below, at and above the eight lines transformed side by side, lines of one value,
+    // and rows longer than the image (the values behind each row stay as they are).
+    const int shapes[][3] = {{0, 3, 8}, {3, 0, 1}, {1, 1, 2}, {2, 5, 32}, {3, 3, 8}, {4, 6, 64},
+                             {6, 4, 16}, {5, 7, 130}, {7, 5, 40}, {10, 2, 4}};
+    uint32_t seed = 20;
+    for (const auto& shape : shapes) {
+        const int log2ny = shape[0], log2nx = shape[1], rowLength = shape[2];
+        for (bool forward : {true, false}) {
+            const std::vector<float> start = RandomPairs(rowLength, 1 << log2ny, seed++, true);
+            const std::vector<float> want = LineByLine(start, log2ny, log2nx, rowLength, forward);
+            for (int threads : {1, 2}) {
+                std::vector<float> got = start;
+                ASSERT_TRUE(FFT2D(got.data(), log2ny, log2nx, rowLength, forward, FFTProgress{}, threads));
+                EXPECT_EQ(std::memcmp(got.data(), want.data(), got.size() * sizeof(float)), 0)
+                    << "ny 2^" << log2ny << ", nx 2^" << log2nx << ", row " << rowLength << (forward ? " forward" : " inverse")
+                    << ", " << threads << " threads";
+            }
+        }
+    }
+}
+
 TEST(FFTCore, ProgressEverySixteenthLineRowsThenColumns)
 {
     std::vector<float> data = RandomPairs(64, 32, 9, false);
