@@ -432,6 +432,28 @@ TEST_F(MappingDisplayTest, EqualLowAndHighDrawsLevelZero)
         for (int x = 1; x < 63; ++x) ASSERT_EQ(fs.Index(x, y), 35) << x << "," << y;
 }
 
+TEST_F(MappingDisplayTest, RangePassVisitsOnlyThePixelsTheFrameShows)
+{
+    // 128 at a fixed 64: shrink 2. A spike at an odd pixel, never shown, must not set the range.
+    ImageHeaderType* image = Mapping(128, 2, 2, 2, 1, false);
+    ASSERT_NE(image, nullptr);
+    uint16_t* a = CITSPixels(CITSEntry(Set(image), 1));
+    uint16_t* b = CITSPixels(CITSEntry(Set(image), 0));
+    for (int i = 0; i < 128 * 128; ++i) {
+        a[i] = static_cast<uint16_t>((i % 128) * 100);
+        b[i] = 0;
+    }
+    a[1 * 128 + 1] = 65535;
+    DisplayCITSDataSet1(image, 64);
+    int top = 0;
+    for (int y = 1; y < 63; ++y)
+        for (int x = 0; x < 64; ++x) top = std::max(top, static_cast<int>(fs.Index(x, y)));
+    // Column 63 of the frame shows source column 126, the largest shown: level 127.
+    EXPECT_EQ(top, 35 + 127);
+    EXPECT_EQ(fs.Index(63, 5), 35 + 127);
+    EXPECT_EQ(fs.Index(0, 5), 35);
+}
+
 TEST_F(MappingDisplayTest, GridIsDrawnInColour32)
 {
     ImageHeaderType* image = Mapping(128, 16, 2, 0, 16, false);
