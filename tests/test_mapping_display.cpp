@@ -10,6 +10,8 @@
 #include "mapping/cits_display.h"
 #include "mapping/cits_label.h"
 #include "settings/cantilever.h"
+#include "settings/configuration.h"
+#include "settings/user_settings.h"
 #include "store/units.h"
 #include "tavrin/dl_selection.h"
 #include "tavrin/dl_mapping.h"
@@ -947,6 +949,44 @@ TEST_F(MappingDisplayTest, SetDispParamWithoutSetWritesTheDefaultBlock)
     EXPECT_TRUE(LogHasProgramError("dl_GetCITSDispParam"));
     EXPECT_EQ(DefaultCITSDispBlock().n, 8);
     EXPECT_EQ(DefaultCITSDispBlock().im_no[0], 0);
+}
+
+TEST_F(MappingDisplayTest, DefaultDisplayBlockTravelsThroughTheSettingsFile)
+{
+    // The built-in block is what a first store writes under "SPS Mapping Display".
+    StoreConfiguration();
+    CITSDispBlockType stored{};
+    ASSERT_TRUE(LoadSettingStruct("SPS Mapping Display", &stored, sizeof stored));
+    EXPECT_EQ(stored.flags, 3);
+    EXPECT_EQ(stored.n, 16);
+    EXPECT_EQ(stored.mode, 0);
+    EXPECT_EQ(stored.select, 1);
+    EXPECT_EQ(stored.v_high, 10.0);
+    EXPECT_EQ(stored.im_no[0], -1);
+    EXPECT_EQ(stored.im_no[63], -1);
+
+    // A block set without a mapping at hand is stored, and read back after a reset.
+    wint_CITSDispParamType p{};
+    p.mode = 3;
+    p.labels = 1;
+    p.n = 8;
+    p.select = 2;
+    dl_SetCITSDispParam(&p);
+    StoreConfiguration();
+    ResetDefaultCITSDispBlock();
+    EXPECT_EQ(DefaultCITSDispBlock().n, 16);
+    RetrieveConfiguration();
+    const CITSDispBlockType& d = DefaultCITSDispBlock();
+    EXPECT_EQ(d.mode, 3);
+    EXPECT_EQ(d.flags, 6);
+    EXPECT_EQ(d.n, 8);
+    EXPECT_EQ(d.select, 2);
+    EXPECT_EQ(d.im_no[5], 0);
+    wint_CITSDispParamType back{};
+    dl_GetCITSDispParam(&back);
+    EXPECT_EQ(back.mode, 3);
+    EXPECT_EQ(back.labels, 1);
+    EXPECT_EQ(back.n, 8);
 }
 
 TEST_F(MappingDisplayTest, DispParamSetVTakesTheChosenImage)
