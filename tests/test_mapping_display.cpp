@@ -16,7 +16,9 @@
 #include "tavrin/dl_selection.h"
 #include "tavrin/dl_mapping.h"
 
+#include <algorithm>
 #include <cfloat>
+#include <cstdint>
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -1137,10 +1139,12 @@ TEST_F(MappingDisplayTest, ReplayOverANonMonotonicSweepCountsImages)
     CITSEntry(Set(image), 3)->voltage = -5.0f;
     CurrentItem = image;
     EXPECT_FALSE(CITSSweepMonotonic(Set(image)));
-    wint_ScrollBarParamType bar;
+    CITSReplaySliderRecord record;
     bool nearest = true;
-    CITSReplaySlider(image, &bar, &nearest);
+    CITSReplaySlider(image, &record, &nearest);
+    const wint_ScrollBarParamType& bar = record.bar;
     EXPECT_FALSE(nearest);
+    EXPECT_EQ(record.decimals, 0);
     EXPECT_EQ(bar.Min, 1.0f);
     EXPECT_EQ(bar.Max, 5.0f);
     EXPECT_EQ(bar.Value, 2.0f);
@@ -1164,10 +1168,12 @@ TEST_F(MappingDisplayTest, ReplayOverAMonotonicSweepRunsInVolts)
     ImageHeaderType* image = Mapping(64, 5, 2, 0, 2, false);
     ASSERT_NE(image, nullptr);
     EXPECT_TRUE(CITSSweepMonotonic(Set(image)));
-    wint_ScrollBarParamType bar;
+    CITSReplaySliderRecord record;
     bool nearest = false;
-    CITSReplaySlider(image, &bar, &nearest);
+    CITSReplaySlider(image, &record, &nearest);
+    const wint_ScrollBarParamType& bar = record.bar;
     EXPECT_TRUE(nearest);
+    EXPECT_EQ(record.decimals, 3);
     EXPECT_EQ(bar.Min, -1.0f);
     EXPECT_EQ(bar.Max, 0.0f);
     EXPECT_EQ(bar.Value, -0.5f);
@@ -1176,6 +1182,26 @@ TEST_F(MappingDisplayTest, ReplayOverAMonotonicSweepRunsInVolts)
     EXPECT_FLOAT_EQ(bar.SmallStep, 1.0f / 5.0f / 1.05f);
     EXPECT_FLOAT_EQ(bar.LargeStep, 4.0f * bar.SmallStep);
     EXPECT_EQ(CITSReplayIndex(-0.3f, Set(image), true), 3);
+}
+
+TEST_F(MappingDisplayTest, ReplayDecimalsFollowTheLargerEndOfTheSweep)
+{
+    ImageHeaderType* image = Mapping(64, 5, 2, 0, 2, false);
+    ASSERT_NE(image, nullptr);
+    CITSReplaySliderRecord record;
+    bool nearest = false;
+    const float ends[][2] = {{-150.0f, 20.0f}, {-5.0f, 99.9f}, {10.0f, 40.0f}, {-9.9f, 9.99f}, {-100.0f, 0.0f}};
+    const int decimals[] = {1, 2, 2, 3, 1};
+    const char* maxText[] = {"20.0", "99.90", "40.00", "9.990", "0.0"};
+    for (int i = 0; i < 5; ++i) {
+        SCOPED_TRACE(i);
+        for (int k = 0; k < 5; ++k)
+            CITSEntry(Set(image), k)->voltage = ends[i][0] + (ends[i][1] - ends[i][0]) * static_cast<float>(k) / 4.0f;
+        CITSReplaySlider(image, &record, &nearest);
+        EXPECT_TRUE(nearest);
+        EXPECT_EQ(record.decimals, decimals[i]);
+        EXPECT_STREQ(record.bar.MaxText, maxText[i]);
+    }
 }
 
 TEST_F(MappingDisplayTest, ReplayRectangleAndSharedColourScale)
@@ -1210,6 +1236,39 @@ TEST_F(MappingDisplayTest, ReplayRectangleAndSharedColourScale)
     EXPECT_FALSE(CITSReplayActive());
     EXPECT_TRUE(LogHas("Replay 'Mapping'.\n"));
     EXPECT_EQ(FSState.DisplayBusy, 0);
+}
+
+TEST_F(MappingDisplayTest, ReplayOfExtremeRangesSaturatesInsteadOfOverflowing)
+{
+    // Image 1 has a reversed range far outside the set's: offset and products leave the int
+    // range and are held at its ends; the levels wrap into a byte but stay in the rectangle.
+    ImageHeaderType* image = Mapping(64, 3, 2, 0, 2, false);
+    ASSERT_NE(image, nullptr);
+    for (int k = 0; k < 3; ++k) {
+        CITSEntry(Set(image), k)->z_low = 0.0f;
+        CITSEntry(Set(image), k)->z_high = 1e-3f;
+    }
+    CITSEntry(Set(image), 1)->z_low = 1e6f;
+    CITSEntry(Set(image), 1)->z_high = 0.0f;
+    CITSEntry(Set(image), 2)->voltage = -5.0f;   // not monotonic: image numbers
+    CurrentItem = image;
+    dl_CITSRapidReplay();
+    ASSERT_EQ(dl_Horz_Scroll_Bar1_Callback(117, 0, 2.0f), 0);
+    const float span = 1e-3f;
+    const double slope = static_cast<double>((0.0f - 1e6f) / span);
+    const int64_t offset = std::clamp<int64_t>(static_cast<int64_t>(static_cast<double>((1e6f - 0.0f) / span) * 65535.0),
+                                               INT32_MIN, INT32_MAX);
+    for (int r = 1; r <= 62; ++r)
+        for (int x = 1; x <= 61; ++x) {
+            const double product = static_cast<double>(static_cast<float>(Pix(image, 1, x, r)) * static_cast<float>(slope));
+            const int64_t held = std::clamp<int64_t>(static_cast<int64_t>(std::clamp(product, -2147483648.0, 2147483647.0)),
+                                                     INT32_MIN, INT32_MAX);
+            const int level = static_cast<int>((held + offset) >> 9);
+            ASSERT_EQ(fs.Index(1 + x, r), static_cast<uint8_t>(level + 35)) << x << "," << r;
+        }
+    EXPECT_EQ(fs.Index(63, 30), 17);
+    EXPECT_EQ(fs.Index(64, 30), 0);
+    EXPECT_EQ(dl_Horz_Scroll_Bar1_Callback(117, 1, 2.0f), 0);
 }
 
 TEST_F(MappingDisplayTest, ReplayRowAllocationFailureReportsAndStaysIdle)

@@ -116,8 +116,14 @@ int CITSPagedPage();
 
 // 1 when every step of the sweep has the sign of the first step.
 bool CITSSweepMonotonic(const CITSHeaderType* set);
+// The slider record of the replay: the bar and, behind it, the decimals of the value shown.
+struct CITSReplaySliderRecord {
+    wint_ScrollBarParamType bar;
+    int32_t decimals;
+};
+static_assert(sizeof(CITSReplaySliderRecord) == sizeof(wint_ScrollBarParamType) + 4, "decimals follow the bar");
 // The slider record of the replay for the set of the image.
-void CITSReplaySlider(const ImageHeaderType* image, wint_ScrollBarParamType* bar, bool* nearest);
+void CITSReplaySlider(const ImageHeaderType* image, CITSReplaySliderRecord* record, bool* nearest);
 void CITSRapidReplay();
 // One slider movement; finish non-zero ends the replay.
 void DoCITSReplay(float value, int finish);

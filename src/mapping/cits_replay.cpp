@@ -69,14 +69,21 @@ void DrawReplayImage(ImageHeaderType* image, int index)
     const float span = high - low;
     const int offset = ToInt(static_cast<double>((e->z_low - low) / span) * 65535.0);
     const float slope = (e->z_high - e->z_low) / span;
+    // When every product of a code and the slope, offset added, stays well inside the int range
+    // the plain conversion serves; a set with extreme or broken ranges takes the guarded one.
+    const double reach = std::fabs(static_cast<double>(slope)) * 65535.0 + std::fabs(static_cast<double>(offset));
+    const bool plain = reach < 1073741824.0;
     uint8_t* row = g_replay.row;
     BeginBatch();
     for (int r = 1; r <= cy - 2; ++r) {
         const uint16_t* src = GetCITSImagePtr(set, index, static_cast<uint32_t>(r));
         if (!src) continue;
-        for (int x = 1; x <= cx - 3; ++x) {
-            const int level = (ToInt(src[x] * slope) + offset) >> 9;
-            row[x] = static_cast<uint8_t>(level + kCITSLevelBase);
+        if (plain) {
+            for (int x = 1; x <= cx - 3; ++x)
+                row[x] = static_cast<uint8_t>(((static_cast<int>(src[x] * slope) + offset) >> 9) + kCITSLevelBase);
+        } else {
+            for (int x = 1; x <= cx - 3; ++x)
+                row[x] = static_cast<uint8_t>(((ToInt(src[x] * slope) + offset) >> 9) + kCITSLevelBase);
         }
         WriteFSLine(row, cx - 2, g_replay.x + 1, g_replay.y + r);
     }
@@ -106,10 +113,11 @@ bool CITSSweepMonotonic(const CITSHeaderType* set)
     return true;
 }
 
-void CITSReplaySlider(const ImageHeaderType* image, wint_ScrollBarParamType* bar, bool* nearest)
+void CITSReplaySlider(const ImageHeaderType* image, CITSReplaySliderRecord* record, bool* nearest)
 {
     const CITSHeaderType* set = image->CITSHeaderPtr;
-    std::memset(bar, 0, sizeof *bar);
+    std::memset(record, 0, sizeof *record);
+    wint_ScrollBarParamType* bar = &record->bar;
     std::snprintf(bar->Title, sizeof bar->Title, "SPS Mapping Rapid Replay");
     bar->Flag = 1;
     bar->PosX = bar->PosY = -1;
@@ -121,6 +129,7 @@ void CITSReplaySlider(const ImageHeaderType* image, wint_ScrollBarParamType* bar
         std::snprintf(bar->MaxText, sizeof bar->MaxText, "%d", static_cast<int>(set->ni));
         bar->SmallStep = 1.0f;
         bar->LargeStep = 10.0f;
+        record->decimals = 0;
         *nearest = false;
         return;
     }
@@ -135,6 +144,7 @@ void CITSReplaySlider(const ImageHeaderType* image, wint_ScrollBarParamType* bar
     std::snprintf(bar->MaxText, sizeof bar->MaxText, "%.*f", decimals, static_cast<double>(high));
     bar->SmallStep = (high - low) / static_cast<float>(set->ni) / 1.05f;
     bar->LargeStep = bar->SmallStep * 4.0f;
+    record->decimals = decimals;
     *nearest = true;
 }
 
@@ -142,10 +152,10 @@ void CITSRapidReplay()
 {
     const ImageHeaderType* image = RequireCITSImage();
     if (!image) return;
-    wint_ScrollBarParamType bar;
-    CITSReplaySlider(image, &bar, &g_replay.nearest);
+    CITSReplaySliderRecord record;
+    CITSReplaySlider(image, &record, &g_replay.nearest);
     SetSliderCommand(kCITSReplaySliderId, ReplayMove);
-    OpenScrollBar1(&bar, kCITSReplaySliderId);
+    OpenScrollBar1(&record.bar, kCITSReplaySliderId);
 }
 
 int CITSReplayIndex(float value, const CITSHeaderType* set, bool nearest)

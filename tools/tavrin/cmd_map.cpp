@@ -175,9 +175,9 @@ int Replay(const Args& args)
         return 1;
     }
     const CITSHeaderType* set = item->CITSHeaderPtr;
-    wint_ScrollBarParamType bar;
+    CITSReplaySliderRecord record;
     bool nearest = false;
-    CITSReplaySlider(item, &bar, &nearest);
+    CITSReplaySlider(item, &record, &nearest);
     dl_ClearFrameStore();
     dl_CITSRapidReplay();
     int failed = 0;
