@@ -88,6 +88,8 @@ TEST_F(MappingDisplayHostTest, ABadOptionIsAUsageError)
 {
     EXPECT_NE(Run("map composite iv.tif -o a.png --frame 100"), 0);
     EXPECT_NE(Run("map slice iv.tif -o a.png"), 0);
+    EXPECT_NE(Run("map slice iv.tif --image 2 -o a.tif"), 0);
+    EXPECT_FALSE(std::filesystem::exists(Path("a.tif")));
     EXPECT_NE(Run("map page iv.tif --size 32 -o a.png"), 0);
 }
 
@@ -96,6 +98,7 @@ TEST_F(MappingDisplayHostTest, AScriptDrivesTheEntryPoints)
     ASSERT_EQ(Run("run -", "OpenSTMData 0 iv.tif\n"
                            "CITSGetDesc 2 -\n"
                            "pb_CITSSetCurrent 2\n"
+                           "text\n"
                            "CITSGetDesc 2 -\n"
                            "GetCITSDispParam\n"
                            "CITSDisplayXxY 64\n"
@@ -110,6 +113,9 @@ TEST_F(MappingDisplayHostTest, AScriptDrivesTheEntryPoints)
     const std::string out = Out();
     EXPECT_NE(out.find("CITSGetDesc = 2\n2: -0.984 V"), std::string::npos) << out;   // image 1 is current
     EXPECT_NE(out.find("CITSGetDesc = 1\n2: -0.984 V"), std::string::npos) << out;   // then image 2
+    // The text panel of image 2: the right-hand texts at their column beside the left-hand ones.
+    EXPECT_NE(out.find("SPS Mapping Image (V) -0.984"), std::string::npos) << out;
+    EXPECT_NE(out.find("No of pixels ( 64, 64). Filename : "), std::string::npos) << out;
     EXPECT_NE(out.find("CITSDispParam"), std::string::npos) << out;
     EXPECT_NE(out.find("pick: going on"), std::string::npos) << out;
     EXPECT_NE(out.find("pick: done"), std::string::npos) << out;

@@ -131,6 +131,8 @@ int Slice(const Args& args)
     CommandLine line = ParseCommandLine(args, {"-o", "--image", "--at"}, {}, 1, 1);
     const std::string out = line.Value("-o");
     if (out.empty()) throw UsageError("map slice needs -o OUT.png");
+    // The picture only: an image of the set as an image file of its own is not made here.
+    if (std::filesystem::path(out).extension() != ".png") throw UsageError("map slice writes a picture: -o OUT.png");
     const bool byImage = !line.Value("--image").empty(), byValue = !line.Value("--at").empty();
     if (byImage == byValue) throw UsageError("map slice takes one of --image K or --at V");
     ImageHeaderType* item = OpenMapping(line.words[0]);
