@@ -75,6 +75,18 @@ typedef struct LMCThresholdHitType {
     uint8_t reserved[64];      /* 10 */
 } TAVRIN_PACKED LMCThresholdHitType;
 
+/* The display block of a set as the host sees it (292 bytes). */
+typedef struct wint_CITSDispParamType {
+    int32_t mode;              /*   0  what a frame shows, 0 to 4 */
+    int32_t labels;            /*   4  0 none, 1 opaque labels, 2 transparent labels */
+    int16_t n;                 /*   8  frames wanted */
+    uint8_t unused[16];        /*  10  not exchanged */
+    uint16_t topography;       /*  26  topography as the first frame */
+    int32_t select;            /*  28  how images are chosen, 0 to 4 */
+    float voltage[64];         /*  32  sweep value of each chosen image */
+    int32_t source;            /* 288  1: a data set */
+} TAVRIN_PACKED wint_CITSDispParamType;
+
 /* The cantilever block of an LM image (62 bytes of the image record from offset 3246). */
 typedef struct wint_LMCantileverImageParamType {
     uint8_t bytes[TAVRIN_LMCANTILEVER_PARAM_BYTES];
@@ -132,6 +144,16 @@ static_assert(offsetof(LMCThresholdHitType, channel) == 2, "channel at 2");
 static_assert(offsetof(LMCThresholdHitType, position) == 6, "position at 6");
 static_assert(offsetof(LMCThresholdHitType, reserved) == 10, "reserved at 10");
 
+static_assert(sizeof(wint_CITSDispParamType) == 292, "mapping display record is 292 bytes");
+static_assert(offsetof(wint_CITSDispParamType, mode) == 0, "mode at 0");
+static_assert(offsetof(wint_CITSDispParamType, labels) == 4, "labels at 4");
+static_assert(offsetof(wint_CITSDispParamType, n) == 8, "n at 8");
+static_assert(offsetof(wint_CITSDispParamType, unused) == 10, "unused at 10");
+static_assert(offsetof(wint_CITSDispParamType, topography) == 26, "topography at 26");
+static_assert(offsetof(wint_CITSDispParamType, select) == 28, "select at 28");
+static_assert(offsetof(wint_CITSDispParamType, voltage) == 32, "voltage at 32");
+static_assert(offsetof(wint_CITSDispParamType, source) == 288, "source at 288");
+
 static_assert(sizeof(wint_LMCantileverImageParamType) == TAVRIN_LMCANTILEVER_PARAM_BYTES, "cantilever block is 62 bytes");
 #endif
 
@@ -148,5 +170,32 @@ TAVRIN_API int32_t dl_GetCITSCurrentImageVoltages(double* out);
 TAVRIN_API int32_t dl_GetLMCantileverParam(wint_LMCantileverImageParamType* param);
 /* Copies the block into the current image and redraws it. */
 TAVRIN_API void dl_SetLMCantileverParam(const wint_LMCantileverImageParamType* param);
+
+
+/* The sheet of the current item's set, on a cleared frame store. */
+TAVRIN_API void dl_pb_CITSDisplay(void);
+/* The next (previous) image of the set, wrapping at the ends, shown large with its text. */
+TAVRIN_API void dl_pb_CITSNext(void);
+TAVRIN_API void dl_pb_CITSPrevious(void);
+/* Image n (from 1) becomes current and is shown; a number out of range shows image 1. */
+TAVRIN_API void dl_pb_CITSSetCurrent(int16_t n);
+/* The host enters its mapping selection mode (3) or its mapping edit mode (1). */
+TAVRIN_API void dl_CITSSelect(void);
+TAVRIN_API void dl_CITSEdit(void);
+/* The display block of the current set; without a set the library's default block, sweep
+ * values 0. A slot whose image number is outside the set reads 0.0. */
+TAVRIN_API void dl_GetCITSDispParam(wint_CITSDispParamType* param);
+/* Writes the record back into the current set; sweep values become the nearest images. */
+TAVRIN_API void dl_SetCITSDispParam(const wint_CITSDispParamType* param);
+/* Slot (1 to 16) of the explicit list takes the image the user picks. */
+TAVRIN_API void dl_pb_CITSDispParamSetV(int16_t slot);
+/* "n: value unit" of image n (from 1) into out (40 bytes); 1 current, 2 another, 4 none. */
+TAVRIN_API int32_t dl_CITSGetDesc(int16_t n, char* out);
+/* Asks for the title of image n (from 1). */
+TAVRIN_API void dl_pb_CITSEditTitle(int16_t n);
+/* The paged browser with frames of size (64 or 128). */
+TAVRIN_API void dl_CITSDisplayXxY(int32_t size);
+/* The rapid replay slider (id 117). */
+TAVRIN_API void dl_CITSRapidReplay(void);
 
 #endif

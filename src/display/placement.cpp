@@ -11,6 +11,8 @@ bool LowerFrameEdgeOn = true;
 
 namespace {
 
+MappingView g_mappingView = nullptr;
+
 int16_t Short(int value) { return static_cast<int16_t>(std::clamp(value, -32768, 32767)); }
 
 // The cursor and the row go back to the top left corner.
@@ -31,13 +33,22 @@ void DisplayImage(ImageHeaderType* image, int allowMapping, int withText)
         ParameterTextSwitch = savedSwitch;
         return;
     }
-    // The frames of a mapping data set (allowMapping) are the mapping display's; until it
-    // takes them over, the set is shown by its topography image.
-    (void)allowMapping;
+    if (allowMapping && image->CITSHeaderPtr && g_mappingView) {
+        g_mappingView(image);
+        ParameterTextSwitch = savedSwitch;
+        return;
+    }
     if (!NoUserInterface) ShowParameterText(image);
 
     PlaceImageRows(image, image);
     ParameterTextSwitch = savedSwitch;
+}
+
+MappingView SetMappingView(MappingView view)
+{
+    const MappingView previous = g_mappingView;
+    g_mappingView = view;
+    return previous;
 }
 
 void PlaceImageRows(const ImageHeaderType* look, ImageHeaderType* image)

@@ -27,6 +27,11 @@ extern bool LowerFrameEdgeOn;
 // switch for the time of the call.
 void DisplayImage(ImageHeaderType* image, int allowMapping, int withText);
 
+// The view of an item with a mapping set when a display allows it (the sheet of the mapping
+// module); without one the topography shows. Answers the view it replaces.
+using MappingView = void (*)(ImageHeaderType* image);
+MappingView SetMappingView(MappingView view);
+
 // Before the rows of an image of nx by ny points: the display mode, the frame size, the place
 // (wrapping to the next row or to the top), the erase of the vector items under the new
 // rectangle, the former outline in colour 16, and the start of the row writer.

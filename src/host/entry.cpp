@@ -42,16 +42,21 @@ int16_t EditTitle(ImageHeaderType* record, const char* caption)
         ProgramError("EditTitle");
         return 0;
     }
+    return EditTitleText(record->Title, caption);
+}
+
+int16_t EditTitleText(char (&title)[40], const char* caption)
+{
     constexpr int kTitleChars = 39;
-    char current[sizeof record->Title];
-    std::memcpy(current, record->Title, sizeof current);
+    char current[sizeof title];
+    std::memcpy(current, title, sizeof current);
     current[sizeof current - 1] = '\0';
-    char edited[sizeof record->Title] = {};
+    char edited[sizeof title] = {};
     if (!EnterString(current, "Enter title :", caption, edited, kTitleChars + 1)) return 0;
     edited[kTitleChars] = '\0';
     size_t n = std::strlen(edited);
     while (n > 0 && edited[n - 1] == ' ') edited[--n] = '\0';
-    std::memset(record->Title, 0, sizeof record->Title);
-    std::memcpy(record->Title, edited, n);
+    std::memset(title, 0, sizeof title);
+    std::memcpy(title, edited, n);
     return 1;
 }

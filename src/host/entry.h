@@ -14,3 +14,5 @@ int16_t EnterString(const char* defaultText, const char* prompt, const char* tit
 
 // Edits the Title of a record: "Enter title :", 39 characters, trailing blanks stripped.
 int16_t EditTitle(ImageHeaderType* record, const char* caption);
+// The same for a title field of 40 characters of any record.
+int16_t EditTitleText(char (&title)[40], const char* caption);

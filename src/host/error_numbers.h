@@ -45,6 +45,8 @@ enum ErrorNumber : uint16_t {
     ERR_NOT_POWER_OF_2 = 33542,
     ERR_FFT_IMAGE = 33543,                 // "Unable to perform this function on image of type FFT"
     ERR_ALREADY_THIS_SIZE = 33545,         // "Image is already this size - can not interpolate"
+    ERR_NOT_MAPPING = 33553,               // "Image is not SPS Mapping type"
+    ERR_NO_MAPPING_IMAGES = 33554,         // "No current images in SPS Mapping data set"
     ERR_MAPPING_IMAGE = 33555,             // "Unable to perform this function on image of type SPS Mapping "
     ERR_NOT_BILEVEL = 33559,               // "Image not bilevel"
     ERR_TOO_MANY_PARTICLES = 33560,        // "Too many particles" (kept in the table, not raised)

@@ -13,6 +13,7 @@
 #include "image/geometry.h"
 #include "image/particles.h"
 #include "image/subt_back.h"
+#include "mapping/cits_display.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
 #include "host/globals.h"
@@ -39,6 +40,7 @@ void ResetProcessState()
     ResetFFTState();
     ResetParticleState();
     ResetFilterKernels();
+    ResetCITSDisplayState();
     ResetSelectionState();
     ResetScrollBars();
     ResetSelectItems();

@@ -55,10 +55,10 @@ int32_t tv_canvas_write_png(const TvCanvas* canvas, const char* path)
         std::all_of(canvas->pixels.begin(), canvas->pixels.end(), [](uint32_t p) { return (p >> 24) == 0xFF; });
     size_t channels = opaque ? 3 : 4;
     try {
-        std::vector<uint8_t> bytes;
-        bytes.reserve(canvas->pixels.size() * channels);
+        std::vector<uint8_t> bytes(canvas->pixels.size() * channels);
+        uint8_t* out = bytes.data();
         for (uint32_t p : canvas->pixels)
-            for (size_t c = 0; c < channels; ++c) bytes.push_back(static_cast<uint8_t>(p >> (8 * c)));
+            for (size_t c = 0; c < channels; ++c) *out++ = static_cast<uint8_t>(p >> (8 * c));
         PngImage image{};
         image.width = canvas->width;
         image.height = canvas->height;

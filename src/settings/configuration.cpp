@@ -6,12 +6,31 @@
 #include "host/log.h"
 #include "host/revision.h"
 #include "host/wait.h"
+#include "mapping/cits_display.h"
 #include "platform/settings_store.h"
 #include "settings/cantilever.h"
 #include "settings/user_settings.h"
 
 #include <cstdio>
 #include <cstdlib>
+
+namespace {
+
+// The display block a mapping takes when no set is at hand.
+constexpr const char* kMappingDisplayKey = "SPS Mapping Display";
+
+void StoreMappingDisplaySettings()
+{
+    SaveSettingStruct(kMappingDisplayKey, &DefaultCITSDispBlock(), sizeof(CITSDispBlockType));
+}
+
+void RetrieveMappingDisplaySettings()
+{
+    CITSDispBlockType read{};
+    if (LoadSettingStruct(kMappingDisplayKey, &read, sizeof read)) DefaultCITSDispBlock() = read;
+}
+
+} // namespace
 
 void StoreConfiguration()
 {
@@ -21,6 +40,7 @@ void StoreConfiguration()
     ProfileBeginChanges(UserSettingsFileName());
     SaveSettingString("Revision", kProcessingRevision);
     SaveSettingString("Sub-Revision", sub);
+    StoreMappingDisplaySettings();
     StoreDisplaySettings();
     StoreColourTableSettings();
     StoreCantileverSettings();
@@ -40,6 +60,7 @@ void RetrieveConfiguration()
         Error(ERR_READ_CONFIGURATION);
         return;
     }
+    RetrieveMappingDisplaySettings();
     RetrieveDisplaySettings();
     RetrieveColourTableSettings();
     RetrieveCantileverSettings();

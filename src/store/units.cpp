@@ -174,6 +174,10 @@ const char* AreaUnits()
     }
 }
 
+double CalibratedForce(double volts) { return Convert(Conversion::Force, volts, false); }
+double CalibratedFriction(double volts) { return Convert(Conversion::Friction, volts, false); }
+double CalibratedAmplitude(double volts) { return Convert(Conversion::Amplitude, volts, false); }
+
 bool IsTwistForceItem(const ImageHeaderType* r)
 {
     const bool forceMapping = r->AcqMode == 51 || (r->AcqMode == 11 && r->LMCMode == 8);

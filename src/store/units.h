@@ -27,6 +27,11 @@ const char* UnitsDegrees(int exponent);
 // The suffix of a square unit in the locale class of the system.
 const char* AreaUnits();
 
+// A value of a force, friction or amplitude channel in volts through the calibration in force.
+double CalibratedForce(double volts);
+double CalibratedFriction(double volts);
+double CalibratedAmplitude(double volts);
+
 // An LIA1 channel of a force mapping whose twist fields are set: it converts to a force.
 bool IsTwistForceItem(const ImageHeaderType* record);
 

@@ -94,11 +94,15 @@ void SelectPointInVFS(uint16_t left, uint16_t top, uint16_t right, uint16_t bott
 
 void ClearParamText() { Session().paramLines.clear(); }
 
-void PrintParamLine(uint16_t line, uint16_t, const char* text)
+// A text goes into its line at its column, over what stood there; the rest of the line stays.
+void PrintParamLine(uint16_t line, uint16_t column, const char* text)
 {
     auto& lines = Session().paramLines;
     if (lines.size() <= line) lines.resize(line + 1u);
-    lines[line] = text ? text : "";
+    std::string& row = lines[line];
+    const std::string piece = text ? text : "";
+    if (row.size() < column) row.resize(column, ' ');
+    row.replace(column, piece.size(), piece);
 }
 
 TextWindowHandle OpenTextWindow(uint16_t, uint16_t, uint16_t, uint16_t, const char*) { return 1; }

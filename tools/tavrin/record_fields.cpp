@@ -172,3 +172,21 @@ const RecordFields* FieldsOf<wint_LMCantileverImageParamType>()
     static const RecordFields table = {"LMCantileverParam", fields, sizeof fields / sizeof fields[0]};
     return &table;
 }
+
+// The display block of a mapping set: the sweep values of the 16 slots the host's dialog sets
+// as voltage0 ... voltage15; the other slots are carried.
+template <>
+const RecordFields* FieldsOf<wint_CITSDispParamType>()
+{
+    using W = wint_CITSDispParamType;
+#define SLOT(i) RecordField{"voltage" #i, offsetof(W, voltage) + (i) * 4, 4, RecordField::F32}
+    static const RecordField fields[] = {
+        TAVRIN_RECORD_FIELD(W, mode), TAVRIN_RECORD_FIELD(W, labels), TAVRIN_RECORD_FIELD(W, n),
+        TAVRIN_RECORD_FIELD(W, topography), TAVRIN_RECORD_FIELD(W, select), TAVRIN_RECORD_FIELD(W, source),
+        SLOT(0), SLOT(1), SLOT(2), SLOT(3), SLOT(4), SLOT(5), SLOT(6), SLOT(7),
+        SLOT(8), SLOT(9), SLOT(10), SLOT(11), SLOT(12), SLOT(13), SLOT(14), SLOT(15),
+    };
+#undef SLOT
+    static const RecordFields table = {"CITSDispParam", fields, sizeof fields / sizeof fields[0]};
+    return &table;
+}

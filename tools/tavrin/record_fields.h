@@ -44,3 +44,4 @@ template <> const RecordFields* FieldsOf<wint_FFTWinParamType>();
 template <> const RecordFields* FieldsOf<wint_ParticleParamType>();
 template <> const RecordFields* FieldsOf<wint_ParticleSttsParamType>();
 template <> const RecordFields* FieldsOf<wint_LMCantileverImageParamType>();
+template <> const RecordFields* FieldsOf<wint_CITSDispParamType>();

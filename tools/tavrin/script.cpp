@@ -81,7 +81,8 @@ const std::vector<std::string>& ScriptHostCommands()
 {
     static const std::vector<std::string> commands = {"answer", "render", "info", "entries", "Error", "Log2Disk",
                                                       "OutputDebugString", "SaveWindow", "VFS_open_vfs",
-                                                      "VFS_close_vfs", "VFS_set_current_vfs", "pick", "slider"};
+                                                      "VFS_close_vfs", "VFS_set_current_vfs", "pick", "slider",
+                                                      "text"};
     return commands;
 }
 
@@ -158,6 +159,13 @@ bool RunScriptHostCommand(const std::vector<std::string>& words, const bool* quo
     }
     if (name == "info") {
         PrintItemInfo(out, words.size() > 1 && words[1] == "--json");
+        return true;
+    }
+    if (name == "text") {
+        // The parameter text panel as it stands, one line each.
+        const auto& lines = Session().paramLines;
+        std::fprintf(out, "text: %zu lines\n", lines.size());
+        for (const std::string& line : lines) std::fprintf(out, "%s\n", line.c_str());
         return true;
     }
     if (name == "entries") {

@@ -229,6 +229,20 @@ const std::vector<ScriptEntry>& ScriptEntries()
         ScriptEntry{"GetCITSCurrentImageVoltages", ScriptGetCITSCurrentImageVoltages},
         TAVRIN_ENTRY(dl_GetLMCantileverParam),
         TAVRIN_ENTRY(dl_SetLMCantileverParam),
+        // SPS Mapping display; pick lines drive the paged display, "slider 117" the replay
+        TAVRIN_ENTRY(dl_pb_CITSDisplay),
+        TAVRIN_ENTRY(dl_pb_CITSNext),
+        TAVRIN_ENTRY(dl_pb_CITSPrevious),
+        TAVRIN_ENTRY(dl_pb_CITSSetCurrent),
+        TAVRIN_ENTRY(dl_CITSSelect),
+        TAVRIN_ENTRY(dl_CITSEdit),
+        TAVRIN_ENTRY(dl_GetCITSDispParam),
+        TAVRIN_ENTRY(dl_SetCITSDispParam),
+        TAVRIN_ENTRY(dl_pb_CITSDispParamSetV),
+        TAVRIN_ENTRY(dl_CITSGetDesc),
+        TAVRIN_ENTRY(dl_pb_CITSEditTitle),
+        TAVRIN_ENTRY(dl_CITSDisplayXxY),
+        TAVRIN_ENTRY(dl_CITSRapidReplay),
     };
     return entries;
 }
