@@ -12,6 +12,7 @@
 #include "image/contrast.h"
 #include "image/geometry.h"
 #include "image/particles.h"
+#include "analysis/measure.h"
 #include "image/subt_back.h"
 #include "host/ap_callbacks.h"
 #include "host/errors.h"
@@ -38,6 +39,7 @@ void ResetProcessState()
     ResetSubtBackState();
     ResetFFTState();
     ResetParticleState();
+    ResetMeasureState();
     ResetFilterKernels();
     ResetSelectionState();
     ResetScrollBars();

@@ -1,0 +1,177 @@
+// The results of the measuring object as a text table and as spectrum files.
+#include "test_measure_support.h"
+
+#include "test_mapping_support.h"
+
+#include "files/measure_spectra.h"
+#include "platform/files.h"
+#include "platform/safe_replace.h"
+#include "store/value_text.h"
+
+#include <cstring>
+
+namespace {
+
+class MeasureExportTest : public MeasureTest {
+protected:
+    static std::string Pad(const std::string& text, size_t width, bool left)
+    {
+        const std::string pad(text.size() < width ? width - text.size() : 0, ' ');
+        return left ? text + pad : pad + text;
+    }
+    static std::string Head()
+    {
+        std::string out = Pad("", 16, true);
+        for (const char* c : {"#", "Min", "Mean", "Max", "RMS", "Ra", "Length/Area", "Surface Len/Area", "Volume/CSA"})
+            out += " " + Pad(c, 16, false);
+        return out + "\n";
+    }
+    static std::string Row(const std::string& name, int number, const std::vector<std::string>& values)
+    {
+        std::string out = Pad(name, 16, true) + " " + Pad(std::to_string(number), 16, false);
+        for (const std::string& v : values) out += " " + Pad(v, 16, false);
+        return out + "\n";
+    }
+    static std::string N(double v) { return Double2Str(v); }
+};
+
+TEST_F(MeasureExportTest, NoMarkersGiveTheSummaryRowsOnly)
+{
+    Image(10, 10, [](int, int) { return uint16_t{1000}; });
+    Open();
+    ms->DisplayImageWithMarkers();
+    const std::string path = Path("measure.txt");
+    ASSERT_EQ(ms->ExportToTXT(path.c_str()), 1);
+    std::string expected = "Tavrin Version 3.10(18)\nMeasure data exported on  22/11/2026 at 14:05:09\n\n";
+    expected += Head();
+    expected += Row("Point", 0, {"-", N(0), "-", N(0), N(0), N(0), "-", "-"});
+    expected += Row("Line", 0, {"-", N(0), "-", N(0), N(0), N(0), N(0), N(0)});
+    expected += Row("Area", 0, {N(0), N(0), N(0), N(0), N(0), N(0), N(0), N(0)});
+    expected += Row("Whole image", 0, {N(1.0f), N(1.0f), N(1.0f), N(ms->RMS[3]), N(ms->Ra[3]), N(10000), N(10000),
+                                      N(10000)});
+    expected += "\n\n";
+    expected += Head() + "\n";
+    EXPECT_EQ(ReadFileBytes(path), expected);
+}
+
+TEST_F(MeasureExportTest, MarkersAreListedWithTheirPointsAndRows)
+{
+    Image(10, 10, [](int x, int) { return static_cast<uint16_t>(1000 * x); });
+    Open();
+    Add(TV_MARKER_POINT, {{2, 3}});
+    Add(TV_MARKER_RECT, {{1, 1}, {4, 1}, {4, 4}});
+    ms->DisplayImageWithMarkers();
+    const std::string path = Path("markers.txt");
+    ASSERT_EQ(ms->ExportToTXT(path.c_str()), 1);
+    const std::string text = ReadFileBytes(path);
+    EXPECT_NE(text.find("Point:  \"1\" (2,3)\n"), std::string::npos);
+    EXPECT_NE(text.find("Rectangle:  \"2\" (1,1) - (4,1) - (4,4)\n"), std::string::npos);
+    const MeasureMarkerType& p = ms->Markers[0];
+    EXPECT_NE(text.find(Row("1", 1, {N(p.Min), N(p.Mean), N(p.Max), N(p.RMS), N(p.Ra), N(p.LenArea), "-", "-"})),
+              std::string::npos);
+    const MeasureMarkerType& r = ms->Markers[1];
+    EXPECT_NE(text.find(Row("2", 2, {N(r.Min), N(r.Mean), N(r.Max), N(r.RMS), N(r.Ra), N(16 * 100.0), N(r.SurfLenArea),
+                                     N(r.VolCSA)})),
+              std::string::npos);
+    EXPECT_NE(text.find(Row("Area", 1, {N(r.Min), N(r.Mean), N(r.Max), N(r.RMS), N(r.Ra), N(1600), N(ms->SurfLenArea[2]),
+                                        N(ms->VolCSA[2])})),
+              std::string::npos);
+}
+
+TEST_F(MeasureExportTest, LargestFloatPrintsAsDash)
+{
+    Image(32, 32, [](int x, int) { return static_cast<uint16_t>(1000 * x); }, 32, 32, 0, 65.535f, 2);
+    Open();
+    Add(TV_MARKER_LINE, {{2, 5}, {20, 5}});
+    ms->DisplayImageWithMarkers();
+    ASSERT_EQ(ms->VolCSA[1], kNoStatistic);
+    const std::string path = Path("dash.txt");
+    ASSERT_EQ(ms->ExportToTXT(path.c_str()), 1);
+    const std::string text = ReadFileBytes(path);
+    const size_t line = text.find("\nLine ");
+    ASSERT_NE(line, std::string::npos);
+    const std::string row = text.substr(line + 1, text.find('\n', line + 1) - line);
+    EXPECT_EQ(row.substr(row.size() - 34), Pad("-", 16, false) + " " + Pad("-", 16, false) + "\n");
+}
+
+TEST_F(MeasureExportTest, FailedWriteGivesZeroAndNoFile)
+{
+    Image(8, 8, [](int, int) { return uint16_t{5}; });
+    Open();
+    EXPECT_EQ(ms->ExportToTXT(Path("missing/dir/m.txt").c_str()), 0);
+    SetFileWriteFailureAtCallForTests(0);
+    EXPECT_EQ(ms->ExportToTXT(Path("half.txt").c_str()), 0);
+    SetFileWriteFailureAtCallForTests(-1);
+    // A disk that fills at the flush keeps the old file whole.
+    WriteFileBytes(Path("old.txt"), "old contents");
+    SetFileReplaceFaultForTests(ReplaceFault::Sync);
+    EXPECT_EQ(ms->ExportToTXT(Path("old.txt").c_str()), 0);
+    SetFileReplaceFaultForTests(ReplaceFault::None);
+    EXPECT_EQ(ReadFileBytes(Path("old.txt")), "old contents");
+    EXPECT_EQ(ReadFileBytes(Path("half.txt")), "");
+    EXPECT_FALSE(std::ifstream(Path("half.txt")).good());
+}
+
+TEST_F(MeasureExportTest, DialogTextOfOneSpectrumEndsInUmAndAFullStop)
+{
+    char text[128];
+    MeasureSpectraPrompt(1, false, text, sizeof text);
+    EXPECT_STREQ(text, "Extract 1 spectrum.");
+    MeasureSpectraPrompt(3, true, text, sizeof text);
+    EXPECT_STREQ(text, "Extract 3 spectra, and the Average spectrum.");
+}
+
+TEST_F(MeasureExportTest, SpectraOfMarkersGoToFilesNamedByTheMarker)
+{
+    ImageHeaderType* image = maptest::MakeMappingImage(8, 6);
+    ASSERT_NE(image, nullptr);
+    CurrentItem = image;
+    Open(true);
+    Add(TV_MARKER_POINT, {{2, 3}});
+    Add(TV_MARKER_CIRCLE, {{4, 4}, {5, 5}});
+    Add(TV_MARKER_POINT, {{20, 30}});   // off the image: no spectrum
+    ms->DisplayImageWithMarkers();
+    EXPECT_EQ(ms->Markers[0].SpecCount, 1);
+    EXPECT_EQ(ms->Markers[1].SpecCount, 9);
+    EXPECT_EQ(ms->Markers[2].SpecCount, 0);
+    // The point's spectrum is its pixel in every image.
+    const CITSHeaderType* set = image->CITSHeaderPtr;
+    for (int k = 0; k < 6; ++k)
+        EXPECT_EQ(ms->Markers[0].SpecY[k], CITSData2Current(CITSEntry(set, k), CITSPixels(CITSEntry(set, k))[3 * 8 + 2]));
+    host.entryAnswers.push_back(Path("spec.spc"));
+    EXPECT_EQ(ms->ExportSpectra(ms), 3);
+    EXPECT_NE(ReadLog().find("Extract 2 spectra, and the Average spectrum."), std::string::npos);
+    EXPECT_EQ(ReadFileBytes(Path("spec_Point(2,3).spc")).size(), 6090u + 6 * 8);
+    EXPECT_EQ(ReadFileBytes(Path("spec_Circle(4,4)-(5,5).spc")).size(), 6090u + 6 * 8);
+    EXPECT_EQ(ReadFileBytes(Path("spec_Average.spc")).size(), 6090u + 6 * 8);
+    EXPECT_EQ(ReadFileBytes(Path("spec_Point(20,30).spc")), "");
+    // Once more: the existing file is kept when the user says no.
+    host.messageBoxAnswers.push_back(TV_IDNO);
+    EXPECT_EQ(ExportOneSpectrum(*ms, ms->SweepX, ms->Markers[0].SpecY, 0, Path("spec").c_str(), 0, false), 0);
+    ASSERT_FALSE(host.messageBoxes.empty());
+    EXPECT_EQ(host.messageBoxes.back().text, Path("spec_Point(2,3).spc") + " exists. Overwrite ?");
+    // A marker without a spectrum does nothing.
+    EXPECT_EQ(ExportOneSpectrum(*ms, ms->SweepX, ms->Markers[2].SpecY, 2, Path("other").c_str(), 1, true), 0);
+    // As XY data.
+    EXPECT_EQ(ExportOneSpectrum(*ms, ms->SweepX, ms->Markers[0].SpecY, 0, Path("xy").c_str(), 1, true), 1);
+    EXPECT_NE(ReadFileBytes(Path("xy_Point(2,3).dat")), "");
+    ms->MeasureFinish();
+}
+
+TEST_F(MeasureExportTest, UnknownDerivativeIsAProgramError)
+{
+    ImageHeaderType* image = maptest::MakeMappingImage(8, 6);
+    ASSERT_NE(image, nullptr);
+    CurrentItem = image;
+    Open(true);
+    std::vector<float> x(6, 1.0f), y(6, 2.0f), xo(6), yo(6);
+    ms->DiffType = 9;
+    EXPECT_EQ(ms->DifferentiateSPS(x.data(), y.data(), xo.data(), yo.data()), -1);
+    EXPECT_NE(ReadLog().find("Program error - DifferentitateSPS(9)"), std::string::npos);
+    ms->DiffType = 0;
+    EXPECT_EQ(ms->DifferentiateSPS(x.data(), y.data(), xo.data(), yo.data()), 0);
+    EXPECT_EQ(yo[5], 2.0f);
+    ms->MeasureFinish();
+}
+
+} // namespace
