@@ -6,6 +6,7 @@
 #include "display/cvfs.h"
 #include "display/fonts.h"
 #include "display/vfs.h"
+#include "files/sample_data.h"
 
 #include <utility>
 
@@ -275,6 +276,42 @@ TEST_F(MeasureDisplayTest, LabelAvoidsALineBelowIt)
     EXPECT_EQ(got.bottom, place[2].bottom);
     // The label's pixels carry bit 15 in the identity mask.
     EXPECT_NE(ms->IDMask[static_cast<size_t>(place[2].top) * 512 + place[2].left] & 0x8000, 0);
+}
+
+} // namespace
+
+namespace {
+
+class MeasureSampleTest : public MeasureTest {};
+
+TEST_F(MeasureSampleTest, CircleOverAParticleReportsItsHeight)
+{
+    using namespace SampleTopography;
+    ImageHeaderType* image = MakeSampleTopography(CurrentItem);
+    ASSERT_NE(image, nullptr);
+    CurrentItem = image;
+    Open();
+    SampleParticle particles[kParticleCount];
+    SampleTopographyParticles(particles);
+    const double pixel = kSizeNm / kSize;
+    int measured = 0;
+    for (const SampleParticle& p : particles) {
+        // Circles that cross a terrace step hold the step too: those are left out.
+        const double r = kParticleRadius + pixel;
+        if (std::floor((p.x - r + 0.35 * (p.y - r)) / kTerraceWidth) !=
+            std::floor((p.x + r + 0.35 * (p.y + r)) / kTerraceWidth))
+            continue;
+        const int16_t cx = static_cast<int16_t>(std::lround(p.x / pixel - 0.5));
+        const int16_t cy = static_cast<int16_t>(std::lround(p.y / pixel - 0.5));
+        const int16_t rx = static_cast<int16_t>(cx + std::lround(kParticleRadius / pixel));
+        ClearMeasureMarkers(ms);
+        Add(TV_MARKER_CIRCLE, {{cx, cy}, {rx, cy}});
+        ms->DisplayImageWithMarkers();
+        const MeasureMarkerType& m = ms->Markers[0];
+        EXPECT_NEAR(m.Max - m.Min, kParticleHeight, 0.1 * kParticleHeight) << cx << "," << cy;
+        ++measured;
+    }
+    EXPECT_GE(measured, 10);
 }
 
 } // namespace

@@ -34,6 +34,7 @@ const std::map<std::string, Command>& CommandTable()
         {"fft", {CommandFft}},
         {"particles", {CommandParticles}},
         {"map", {CommandMap}},
+        {"measure", {CommandMeasure}},
     };
     return table;
 }
@@ -142,6 +143,13 @@ void PrintUsage(FILE* out)
         "  map cube FILE -o OUT.npy [--codes]\n"
         "                          the set as a numpy array (ni, cy, cx) of f32 physical\n"
         "                          values, or of the u16 codes with --codes\n"
+        "  measure IN [--point X,Y] [--line X1,Y1,X2,Y2] [--rect AX,AY,BX,BY,CX,CY]\n"
+        "          [--circle CX,CY,RX,RY] [--polygon X,Y,... --seed X,Y] [--base MODE]\n"
+        "          [--base-height H] [-o OUT.png] [--export OUT.txt]\n"
+        "          [--spectra STEM --spc|--dat] [--json]\n"
+        "                          markers on the image (each option repeatable): prints the\n"
+        "                          summary table (JSON: the four columns and every marker);\n"
+        "                          MODE none, above, below or both\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"

@@ -229,6 +229,12 @@ const std::vector<ScriptEntry>& ScriptEntries()
         ScriptEntry{"GetCITSCurrentImageVoltages", ScriptGetCITSCurrentImageVoltages},
         TAVRIN_ENTRY(dl_GetLMCantileverParam),
         TAVRIN_ENTRY(dl_SetLMCantileverParam),
+        // measuring markers: Measure.Add TYPE "X,Y,..." SEEDX SEEDY (type 1 point, 2 line,
+        // 4 rectangle, 8 circle, 16 polygon) answers the marker's index
+        MakeEntry("Measure.Initialise", ScriptMeasureInitialise),
+        MakeEntry("Measure.Add", ScriptMeasureAdd),
+        MakeEntry("Measure.Display", ScriptMeasureDisplay),
+        MakeEntry("Measure.Export", ScriptMeasureExport),
     };
     return entries;
 }
