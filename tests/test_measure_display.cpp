@@ -7,6 +7,7 @@
 #include "display/fonts.h"
 #include "display/vfs.h"
 #include "files/sample_data.h"
+#include "test_mapping_support.h"
 
 #include <utility>
 
@@ -312,6 +313,100 @@ TEST_F(MeasureSampleTest, CircleOverAParticleReportsItsHeight)
         ++measured;
     }
     EXPECT_GE(measured, 10);
+}
+
+} // namespace
+
+namespace {
+
+class MeasureFailureTest : public MeasureTest {};
+
+TEST_F(MeasureFailureTest, AllocationFailureAtEachStepOfTheRedrawLeaksNothing)
+{
+    Image(48, 48, [](int x, int y) { return static_cast<uint16_t>(100 * x + 7 * y); }, 48, 48);
+    Open();
+    Add(TV_MARKER_LINE, {{2, 3}, {40, 20}});
+    Add(TV_MARKER_POLYGON, {{5, 5}, {20, 5}, {12, 18}}, POINTs{12, 9});
+    Add(TV_MARKER_RECT, {{25, 25}, {40, 25}, {40, 40}});
+    Add(TV_MARKER_POINT, {{30, 10}});
+    ms->DisplayImageWithMarkers();
+    const float lineLength = ms->Markers[0].LenArea;
+    // The label rectangles are the object's own block, made afresh at each redraw (or not,
+    // when that allocation fails); every other block of the redraw is freed within it.
+    auto live = [&] { return LiveBlockCount() - (ms->LabelRects ? 1 : 0); };
+    for (int skip = 0; skip < 12; ++skip) {
+        for (int i = 0; i < ms->NoOfMarkers; ++i) ms->Markers[i].CalcValid = 0;
+        const size_t before = live();
+        FailAllocationsForTests(1, skip);
+        ms->DisplayImageWithMarkers();
+        FailAllocationsForTests(0);
+        EXPECT_EQ(live(), before) << skip;
+        EXPECT_EQ(ms->NoOfMarkers, 4);
+        EXPECT_EQ(ms->Markers[1].NoOfPoints, 3);
+    }
+    // A quiet redraw afterwards gives the first results again.
+    for (int i = 0; i < ms->NoOfMarkers; ++i) ms->Markers[i].CalcValid = 0;
+    ms->DisplayImageWithMarkers();
+    EXPECT_EQ(ms->Markers[0].LenArea, lineLength);
+    EXPECT_EQ(ms->Number[1], 1);
+    EXPECT_EQ(ms->Number[2], 2);
+}
+
+TEST_F(MeasureFailureTest, FailedLineAllocationSkipsTheLine)
+{
+    Image(32, 32, [](int x, int) { return static_cast<uint16_t>(1000 * x); }, 31, 31);
+    Open();
+    Add(TV_MARKER_LINE, {{2, 5}, {20, 5}});
+    ms->DisplayImageWithMarkers();
+    ASSERT_EQ(ms->Number[1], 1);
+    const float length = ms->LenArea[1];
+    // Each allocation of the redraw fails in turn: the line is either measured whole or
+    // skipped, never half.
+    int skipped = 0;
+    for (int skip = 0; skip < 10; ++skip) {
+        FailAllocationsForTests(1, skip);
+        ms->DisplayImageWithMarkers();
+        FailAllocationsForTests(0);
+        if (ms->Number[1] == 0) {
+            EXPECT_EQ(ms->LenArea[1], 0.0f) << skip;
+            ++skipped;
+        } else {
+            EXPECT_EQ(ms->LenArea[1], length) << skip;
+        }
+    }
+    EXPECT_GE(skipped, 1);
+}
+
+TEST_F(MeasureFailureTest, LegendListsMarkersWithSpectraInAWideFrameStore)
+{
+    TestFrameStore wide;
+    ASSERT_EQ(wide.Open(2, 768, 512), 0);
+    VFS_set_current_vfs(1);
+    ImageHeaderType* image = maptest::MakeMappingImage(8, 4);
+    ASSERT_NE(image, nullptr);
+    CurrentItem = image;
+    Open(true);
+    Add(TV_MARKER_POINT, {{1, 1}});
+    Add(TV_MARKER_POINT, {{50, 50}});   // off the image: no spectrum, no line
+    Add(TV_MARKER_POINT, {{2, 2}});
+    std::snprintf(ms->Markers[2].Name, sizeof ms->Markers[2].Name, "%s", "edge");
+    ms->DisplayImageWithMarkers();
+    VFS_set_current_vfs(2);
+    ms->DisplayIDlist();
+    std::vector<std::pair<std::string, double>> texts;
+    for (const CVfsItem& item : CurrentVfs()->Items)
+        if (item.Kind == VFS_ITEM_TEXT) texts.emplace_back(item.Text, item.Y1);
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_EQ(texts[0].first, "ID1:  1");
+    EXPECT_EQ(texts[0].second, 20.0);
+    EXPECT_EQ(texts[1].first, "ID3:  edge");
+    EXPECT_EQ(texts[1].second, 40.0);
+    // A frame store of 512 gets no legend.
+    VFS_set_current_vfs(1);
+    const size_t items = CurrentVfs()->Items.size();
+    ms->DisplayIDlist();
+    EXPECT_EQ(CurrentVfs()->Items.size(), items);
+    ms->MeasureFinish();
 }
 
 } // namespace

@@ -161,7 +161,7 @@ void CMeasure::MarkerAreaCalcs(int32_t* state, bool hourglass, const ImageHeader
         PostRedraw();
     }
     if (interrupted || n == 0) {
-        if (out.count) *out.count = interrupted ? 0 : 0;
+        if (out.count) *out.count = 0;
     } else {
         const double meanFromBase = sum / static_cast<double>(n);
         const float minV = linear ? static_cast<float>(rawMin * scale + z0) : GetImageDataValue(0, rawMin, image);
@@ -206,8 +206,6 @@ void CMeasure::MarkerAreaCalcs(int32_t* state, bool hourglass, const ImageHeader
     efree(valueSums);
     if (cursorSet) PlatformSetWaitCursor(false);
     if (hourglass) PlatformSetWaitCursor(false);
-    if (!state) return;
-    if (st == kCalcInterruptible) st = kCalcRunOn;
 }
 
 int32_t CMeasure::CalcNoOfPointsThatOverlapWithMask(const RECT& rect, const int16_t* mask, int32_t w, int32_t h) const
