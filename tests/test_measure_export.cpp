@@ -3,11 +3,13 @@
 
 #include "test_mapping_support.h"
 
+#include "display/vfs.h"
 #include "files/measure_spectra.h"
 #include "platform/files.h"
 #include "platform/safe_replace.h"
 #include "store/value_text.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -171,6 +173,48 @@ TEST_F(MeasureExportTest, UnknownDerivativeIsAProgramError)
     ms->DiffType = 0;
     EXPECT_EQ(ms->DifferentiateSPS(x.data(), y.data(), xo.data(), yo.data()), 0);
     EXPECT_EQ(yo[5], 2.0f);
+    ms->MeasureFinish();
+}
+
+} // namespace
+
+namespace {
+
+class MeasureSpectraPlotTest : public MeasureTest {};
+
+TEST_F(MeasureSpectraPlotTest, MarkerSpectraArePlottedAndTheAverageIsWeightedByPixels)
+{
+    TestFrameStore plot;
+    ASSERT_EQ(plot.Open(2), 0);
+    VFS_set_current_vfs(1);
+    ImageHeaderType* image = maptest::MakeMappingImage(8, 6);
+    ASSERT_NE(image, nullptr);
+    CurrentItem = image;
+    Open(true);
+    ms->SpectrumVFS = 2;   // the frame store the host opened for "Spectroscopy"
+    Add(TV_MARKER_POINT, {{1, 1}});
+    Add(TV_MARKER_RECT, {{3, 3}, {4, 3}, {4, 4}});
+    ms->DisplayImageWithMarkers();
+    ASSERT_EQ(ms->Markers[0].SpecCount, 1);
+    ASSERT_EQ(ms->Markers[1].SpecCount, 4);
+    EXPECT_EQ(ms->SpectrumValid, 1);
+    for (int k = 0; k < 6; ++k) {
+        const float expected = (ms->Markers[0].SpecY[k] + 4 * ms->Markers[1].SpecY[k]) / 5.0f;
+        EXPECT_NEAR(ms->AveragedY[k], expected, 1e-6) << k;
+    }
+    // The remembered Y range of "no derivative" holds both curves.
+    float lo = ms->Markers[0].SpecY[0], hi = lo;
+    for (int i = 0; i < 2; ++i)
+        for (int k = 0; k < 6; ++k) {
+            lo = std::min(lo, ms->Markers[i].SpecY[k]);
+            hi = std::max(hi, ms->Markers[i].SpecY[k]);
+        }
+    EXPECT_EQ(ms->YScaleLow[0], lo);
+    EXPECT_EQ(ms->YScaleHigh[0], hi);
+    // The plot went to frame store 2; the image's frame store is current again.
+    EXPECT_EQ(CurrentVFS->VFSNo, 1);
+    VFS_set_current_vfs(2);
+    EXPECT_GT(CurrentVfs()->Items.size(), 0u);
     ms->MeasureFinish();
 }
 
