@@ -116,6 +116,18 @@ TEST_F(MeasureDisplayTest, PolygonFilledFromItsSeed)
     EXPECT_FLOAT_EQ(ms->Markers[0].LenArea, 11.0f * 7.0f);
 }
 
+TEST_F(MeasureDisplayTest, DiagonalOutlineHoldsTheFourConnectedFill)
+{
+    // A diamond of radius 8: its edges are pure diagonals, which a fill by 8 neighbours would
+    // cross. Filled by 4 neighbours it holds |dx| + |dy| <= 8: 2 * 8 * 9 + 1 = 145 pixels.
+    OpenFloor(32, 32.0f);
+    Add(TV_MARKER_POLYGON, {{10, 2}, {18, 10}, {10, 18}, {2, 10}}, POINTs{10, 10});
+    ms->DisplayImageWithMarkers();
+    EXPECT_FLOAT_EQ(ms->Markers[0].LenArea, 145.0f);
+    EXPECT_EQ(Id(10, 10), 1);
+    EXPECT_EQ(Id(15, 15), 0);
+}
+
 TEST_F(MeasureDisplayTest, OverlapSetsTheFlagLaterMarkerOwnsSharedPixelsOwnStatisticsOwnMasks)
 {
     OpenFloor(32, 32.0f);
