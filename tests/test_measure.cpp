@@ -202,4 +202,21 @@ TEST_F(MeasureModelTest, ExtractLineMakesAProfileItem)
     EXPECT_EQ(ms->ExtractLine(5), nullptr);
 }
 
+TEST_F(MeasureModelTest, ExtractLineReadsThePartInsideTheImage)
+{
+    Image(16, 16, [](int x, int) { return static_cast<uint16_t>(1000 * x); }, 15, 15);
+    Open();
+    Add(TV_MARKER_LINE, {{-32768, 2}, {9, 2}});
+    Add(TV_MARKER_LINE, {{-30, -5}, {-2, -40}});
+    ImageHeaderType* item = ms->ExtractLine(0);
+    ASSERT_NE(item, nullptr);
+    // Clipped to (0,2)-(9,2): nine pixels long; the name keeps the marker's own points.
+    EXPECT_EQ(item->nx, 9);
+    EXPECT_STREQ(item->GeneralText[1], "Extracted profile (-32768,2)-(9,2)");
+    const float* y = reinterpret_cast<const float*>(item->PixData);
+    EXPECT_NEAR(y[0], 0.0f, 1e-5);   // z of x = 0
+    EXPECT_GT(y[8], 7.0f);
+    EXPECT_EQ(ms->ExtractLine(1), nullptr);
+}
+
 } // namespace

@@ -3,6 +3,7 @@
 #include "analysis/measure.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
@@ -10,6 +11,7 @@
 #include <string>
 
 #include "analysis/profile.h"
+#include "display/clip_line.h"
 #include "display/cvfs.h"
 #include "display/fonts.h"
 #include "display/placement.h"
@@ -249,8 +251,12 @@ ImageHeaderType* CMeasure::ExtractLine(int32_t marker)
     const MeasureMarkerType& m = Markers[marker];
     if (m.Type != TV_MARKER_LINE || m.NoOfPoints < 2 || !m.Points) return nullptr;
     const POINTs a = m.Points[0], b = m.Points[1];
-    const double length = std::hypot(static_cast<double>(b.x) - a.x, static_cast<double>(b.y) - a.y);
-    const int n = static_cast<int>(std::max(4.0, length));
+    // The profile runs over the part of the line inside the image, as the line statistics do;
+    // a line wholly outside gives no item. The point count fits the item's width.
+    int32_t x1 = a.x, y1 = a.y, x2 = b.x, y2 = b.y;
+    if (!ClipLineCohenSutherland(&x1, &y1, &x2, &y2, RECT{0, 0, Nx - 1, Ny - 1})) return nullptr;
+    const double length = std::hypot(static_cast<double>(x2) - x1, static_cast<double>(y2) - y1);
+    const int n = static_cast<int>(std::min(std::max(4.0, length), static_cast<double>(INT16_MAX)));
     ImageHeaderType* item = AllocateListItem(Image);
     if (!item) return nullptr;
     float* samples = AllocSpecMem(n);
@@ -282,7 +288,8 @@ ImageHeaderType* CMeasure::ExtractLine(int32_t marker)
     item->ImType1 = 3;
     item->PixHandle = 1;
     item->PixData = reinterpret_cast<uint16_t*>(samples);
-    ProfileLine(Image, a.x, a.y, b.x, b.y, 1, samples + n, samples, n, true, true);
+    ProfileLine(Image, static_cast<float>(x1), static_cast<float>(y1), static_cast<float>(x2), static_cast<float>(y2), 1,
+                samples + n, samples, n, true, true);
     if (ProfileVFS < 0 && CurrentVFS) {
         const int before = CurrentVFS->VFSNo;
         if (Ap.ap_OpenGraphWindow) Ap.ap_OpenGraphWindow("Extract profile");
