@@ -40,6 +40,62 @@ Bounds PassBounds(const RECT* rect, int nx, int ny)
 
 inline bool InMask(const int16_t* mask, size_t i) { return !mask || (mask[i] & 0x7fff) != 0; }
 
+// The surface of row y of the pass, doubled: two triangles per pixel of the set, each spanned
+// by the pixel, its left and upper neighbours and the one above left. A pixel of the pass's
+// first row or column has no neighbours there and adds two flat triangles; so does a triangle
+// whose neighbours are not all in the set. Heights are of a linear image (raw times scale);
+// the factors dx and dy stand crossed over, which square pixels do not notice.
+double RowSurface(const uint16_t* pix, int nx, int y, const Bounds& pass, const int16_t* mask, double scale,
+                  double dx, double dy, double cell)
+{
+    const size_t row = static_cast<size_t>(y) * static_cast<size_t>(nx);
+    const double cell2 = cell * cell;
+    double flat = 0, tilted = 0, tilted2 = 0;
+    if (y == pass.top) {
+        for (int x = pass.left; x <= pass.right; ++x)
+            if (InMask(mask, row + static_cast<size_t>(x))) flat += 2.0 * cell;
+        return flat;
+    }
+    const uint16_t* cur = pix + row;
+    const uint16_t* up = cur - nx;
+    const double sx = scale * dx, sy = scale * dy;
+    if (!mask) {
+        // Every pixel is in the set: two independent sums keep the square roots in flight.
+        flat = 2.0 * cell;
+        for (int x = pass.left + 1; x <= pass.right; ++x) {
+            const double p = up[x - 1], q = up[x], r = cur[x - 1], s = cur[x];
+            const double a1 = (q - p) * sx, c1 = (s - q) * sy;
+            const double a2 = (s - r) * sx, c2 = (r - p) * sy;
+            tilted += std::sqrt(a1 * a1 + c1 * c1 + cell2);
+            tilted2 += std::sqrt(a2 * a2 + c2 * c2 + cell2);
+        }
+        return flat + tilted + tilted2;
+    }
+    for (int x = pass.left; x <= pass.right; ++x) {
+        const size_t i = row + static_cast<size_t>(x);
+        if (!InMask(mask, i)) continue;
+        if (x == pass.left) {
+            flat += 2.0 * cell;
+            continue;
+        }
+        const double p = up[x - 1], q = up[x], r = cur[x - 1], s = cur[x];
+        const size_t u = i - static_cast<size_t>(nx);
+        if (InMask(mask, u) && InMask(mask, u - 1)) {
+            const double a = (q - p) * sx, c = (s - q) * sy;
+            tilted += std::sqrt(a * a + c * c + cell2);
+        } else {
+            flat += cell;
+        }
+        if (InMask(mask, i - 1) && InMask(mask, u - 1)) {
+            const double a = (s - r) * sx, c = (r - p) * sy;
+            tilted2 += std::sqrt(a * a + c * c + cell2);
+        } else {
+            flat += cell;
+        }
+    }
+    return flat + tilted + tilted2;
+}
+
 } // namespace
 
 void CMeasure::MarkerAreaCalcs(int32_t* state, bool hourglass, const ImageHeaderType* image, const RECT* rect,
@@ -57,8 +113,7 @@ void CMeasure::MarkerAreaCalcs(int32_t* state, bool hourglass, const ImageHeader
     const bool topo = image->DataSource == kTopography;
     const double dx = static_cast<double>(image->ImageSizeX) / nx;
     const double dy = static_cast<double>(image->ImageSizeY) / ny;
-    const double cell2 = dx * dx * dy * dy;
-    const double cell = std::sqrt(cell2);
+    const double cell = std::sqrt(dx * dx * dy * dy);
     const double scale = (static_cast<double>(image->Zhi) - image->Zlo) / 65535.0;
     const double z0 = GetImageDataValue(0, 0.0f, image);
     auto zOf = [&](uint16_t raw) -> double {
@@ -121,28 +176,6 @@ void CMeasure::MarkerAreaCalcs(int32_t* state, bool hourglass, const ImageHeader
                 if (BaseMode == TV_BASE_ABOVE && z > b) vol += z - b;
                 else if (BaseMode == TV_BASE_BELOW && z < b) vol += b - z;
                 else if (BaseMode == TV_BASE_BOTH) vol += std::fabs(b - z);
-                // The first row or column of this pass has no neighbours above or to the left.
-                if (y == pass.top || x == pass.left) {
-                    surf += 2.0 * cell;
-                } else {
-                    const size_t up = i - static_cast<size_t>(nx);
-                    const double p = zOf(image->PixData[up - 1]);
-                    const double q = zOf(image->PixData[up]);
-                    const double r = zOf(image->PixData[i - 1]);
-                    const double s = z;
-                    if (!mask || (InMask(mask, up) && InMask(mask, up - 1))) {
-                        const double a = (q - p) * dx, c = (s - q) * dy;
-                        surf += std::sqrt(a * a + c * c + cell2);
-                    } else {
-                        surf += cell;
-                    }
-                    if (!mask || (InMask(mask, i - 1) && InMask(mask, up - 1))) {
-                        const double a = (s - r) * dx, c = (r - p) * dy;
-                        surf += std::sqrt(a * a + c * c + cell2);
-                    } else {
-                        surf += cell;
-                    }
-                }
             }
             if (spectra) {
                 const int sx = static_cast<int>(static_cast<int64_t>(x) * set->cx / nx);
@@ -155,6 +188,7 @@ void CMeasure::MarkerAreaCalcs(int32_t* state, bool hourglass, const ImageHeader
                 }
             }
         }
+        if (topo) surf += RowSurface(image->PixData, nx, y, pass, mask, scale, dx, dy, cell);
     }
     if (interrupted) {
         st = kCalcInterrupted;
