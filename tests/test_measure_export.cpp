@@ -56,28 +56,39 @@ TEST_F(MeasureExportTest, NoMarkersGiveTheSummaryRowsOnly)
     EXPECT_EQ(ReadFileBytes(path), expected);
 }
 
-TEST_F(MeasureExportTest, MarkersAreListedWithTheirPointsAndRows)
+TEST_F(MeasureExportTest, MarkersAndTablesAreWrittenExactlyForAFixedClock)
 {
+    // z = x nm on 10 by 10 pixels of 10 nm: every number below is worked out by hand.
     Image(10, 10, [](int x, int) { return static_cast<uint16_t>(1000 * x); });
     Open();
     Add(TV_MARKER_POINT, {{2, 3}});
+    Add(TV_MARKER_POINT, {{5, 7}});
     Add(TV_MARKER_RECT, {{1, 1}, {4, 1}, {4, 4}});
     ms->DisplayImageWithMarkers();
     const std::string path = Path("markers.txt");
     ASSERT_EQ(ms->ExportToTXT(path.c_str()), 1);
-    const std::string text = ReadFileBytes(path);
-    EXPECT_NE(text.find("Point:  \"1\" (2,3)\n"), std::string::npos);
-    EXPECT_NE(text.find("Rectangle:  \"2\" (1,1) - (4,1) - (4,4)\n"), std::string::npos);
-    const MeasureMarkerType& p = ms->Markers[0];
-    EXPECT_NE(text.find(Row("1", 1, {N(p.Min), N(p.Mean), N(p.Max), N(p.RMS), N(p.Ra), N(p.LenArea), "-", "-"})),
-              std::string::npos);
-    const MeasureMarkerType& r = ms->Markers[1];
-    EXPECT_NE(text.find(Row("2", 2, {N(r.Min), N(r.Mean), N(r.Max), N(r.RMS), N(r.Ra), N(16 * 100.0), N(r.SurfLenArea),
-                                     N(r.VolCSA)})),
-              std::string::npos);
-    EXPECT_NE(text.find(Row("Area", 1, {N(r.Min), N(r.Mean), N(r.Max), N(r.RMS), N(r.Ra), N(1600), N(ms->SurfLenArea[2]),
-                                        N(ms->VolCSA[2])})),
-              std::string::npos);
+    std::string expected = "Tavrin Version 3.10(18)\nMeasure data exported on  22/11/2026 at 14:05:09\n\n";
+    expected += Head();
+    // Points z 2 and 5: mean 3.5, deviations 1.5; the second lies hypot(3, 4) / 9 * 100 nm on.
+    expected += Row("Point", 2, {"2.0000", "3.5000", "5.0000", "1.5000", "1.5000", "55.556", "-", "-"});
+    expected += Row("Line", 0, {"-", "0.0000", "-", "0.0000", "0.0000", "0.0000", "0.0000", "0.0000"});
+    // The 4 by 4 rectangle over x = 1..4: rms sqrt(7.5 - 1.5^2), Ra 1.25, 16 cells of 100 nm^2,
+    // surface (7 edge pixels x 200 + 9 x 2 sqrt(10100)) / 2, volume 40 nm x 100 nm^2.
+    const std::vector<std::string> rect = {"1.0000", "2.5000", "4.0000", "2.2913", "1.2500",
+                                           "1600.0", "1604.5", "4000.0"};
+    expected += Row("Area", 1, rect);
+    // The whole image, x = 0..9: rms sqrt(28.5 - 4.5^2), Ra 2.5, surface (19 x 200 + 81 x 2
+    // sqrt(10100)) / 2, volume 450 nm x 100 nm^2.
+    expected += Row("Whole image", 0, {"0.0000", "4.5000", "9.0000", "2.8723", "2.5000", "10,000", "10,040", "45,000"});
+    expected += "\n\n";
+    expected += "Point:  \"1\" (2,3)\n";
+    expected += "Point:  \"2\" (5,7)\n";
+    expected += "Rectangle:  \"3\" (1,1) - (4,1) - (4,4)\n";
+    expected += Head() + "\n";
+    expected += Row("1", 1, {"2.0000", "2.0000", "2.0000", "0.0000", "0.0000", "0.0000", "-", "-"});
+    expected += Row("2", 2, {"5.0000", "5.0000", "5.0000", "0.0000", "0.0000", "55.556", "-", "-"});
+    expected += Row("3", 3, rect);
+    EXPECT_EQ(ReadFileBytes(path), expected);
 }
 
 TEST_F(MeasureExportTest, LargestFloatPrintsAsDash)
