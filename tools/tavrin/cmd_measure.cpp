@@ -178,12 +178,13 @@ int Measure(const Args& args)
 
     if (!OpenImageForCommand("measure", words[0])) return 1;
     CMeasure* ms = dl_GetMeasureClass();
+    // The base plane is set first: the whole-image volume of the opening run depends on it.
+    ms->BaseMode = base->second;
+    ms->BaseHeight = static_cast<float>(baseHeight);
     if (ms->MeasureInitialise(spectra, nullptr) != 0) {
         std::fprintf(stderr, "measure: %s\n", spectra ? "the image has no SPS Mapping set" : "cannot measure the image");
         return 1;
     }
-    ms->BaseMode = base->second;
-    ms->BaseHeight = static_cast<float>(baseHeight);
     for (const MarkerArg& m : markers)
         if (AddMeasureMarker(ms, m.kind, m.points.data(), static_cast<int32_t>(m.points.size()), m.seed) < 0) return 1;
     ms->DisplayImageWithMarkers();
