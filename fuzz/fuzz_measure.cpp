@@ -2,12 +2,17 @@
 // and ny (two bytes each), the base mode and the current marker, then markers: a type byte
 // (any of the five kinds or none), a point count of 0 to 50, that many points and a seed of
 // any 16-bit value, and an allocation failure placed before the next step. Every marker set is
-// drawn, measured and exported.
+// drawn, measured and exported. Bit 6 of the base byte puts a mapping set behind the image
+// (two more bytes: its image count and side, and whether its images decode logarithmically)
+// and measures in spectroscopy mode; then every marker's spectrum also goes to a file.
 // Checks: the marker count and every marker's points stay as set, the identity mask holds only
-// marker numbers (and the label bit), counts are never negative, and the export either writes
-// the file or answers 0.
+// marker numbers (and the label bit), counts are never negative, a profile item of a line
+// marker has a width within its type, and the export either writes the file or answers 0.
 #include "fuzz_support.h"
 #include "analysis/measure.h"
+#include "files/measure_spectra.h"
+#include "mapping/cits.h"
+#include "store/cits_memory.h"
 
 #include <initializer_list>
 #include <string>
@@ -39,9 +44,30 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     source->Zhi = 10.0f;
     source->DataSource = baseByte & 0x80 ? 3 : 1;
     uint32_t state = static_cast<uint32_t>(size) * 2654435761u;
-    for (int i = 0; i < nx * ny; ++i) {
+    auto next = [&state] {
         state = state * 1664525u + 1013904223u;
-        source->PixData[i] = static_cast<uint16_t>(state >> 16);
+        return static_cast<uint16_t>(state >> 16);
+    };
+    for (int i = 0; i < nx * ny; ++i) source->PixData[i] = next();
+    const bool spectroscopy = (baseByte & 0x40) != 0;
+    if (spectroscopy) {
+        const unsigned images = in.Byte(), side = in.Byte();
+        const int ni = 1 + static_cast<int>(images % 6);
+        const int cs = 1 + static_cast<int>(side % 40);
+        CITSHeaderType* set = AllocateCITSDataSet(ni, static_cast<int16_t>(cs), static_cast<int16_t>(cs));
+        Check(set != nullptr, "mapping set");
+        for (int k = 0; k < ni; ++k) {
+            CITSImageEntryType* e = CITSEntry(set, k);
+            e->adc_gain = 1;
+            e->i_divider = 1;
+            e->voltage = -1.0f + 0.5f * static_cast<float>(k);
+            e->z_low = -1.0f;
+            e->z_high = 1.0f;
+            e->data_type = images & 0x80 ? 8 : 4;
+            uint16_t* pixels = CITSPixels(e);
+            for (int i = 0; i < cs * cs; ++i) pixels[i] = next();
+        }
+        SetCITSBlock(source, set);
     }
     CurrentItem = source;
 
@@ -49,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     static const int32_t kBases[5] = {TV_BASE_NONE, TV_BASE_ABOVE, TV_BASE_BELOW, TV_BASE_BOTH, 3};
     ms->BaseMode = kBases[(baseByte & 0x7f) % 5];
     ms->BaseHeight = static_cast<float>(baseByte & 0x0f);
-    if (ms->MeasureInitialise(false, nullptr) == 0) {
+    if (ms->MeasureInitialise(spectroscopy, nullptr) == 0) {
         static const int32_t kTypes[7] = {TV_MARKER_POINT, TV_MARKER_LINE, TV_MARKER_RECT, TV_MARKER_CIRCLE,
                                           TV_MARKER_POLYGON, 0, 3};
         std::vector<std::vector<POINTs>> set;
@@ -94,6 +120,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const std::string out = fuzzsupport::WorkDirectory() + "/measure.txt";
         const int written = ms->ExportToTXT(out.c_str());
         Check(written == 0 || written == 1, "export answer");
+        const std::string stem = fuzzsupport::WorkDirectory() + "/measure";
+        for (int i = 0; i < ms->NoOfMarkers; ++i) {
+            const MeasureMarkerType& m = ms->Markers[i];
+            if (m.Type == TV_MARKER_LINE) {
+                const ImageHeaderType* item = ms->ExtractLine(i);
+                Check(!item || (item->nx >= 4 && item->ny == 1), "profile item width");
+            }
+            if (spectroscopy && m.SpecY) ExportOneSpectrum(*ms, ms->SweepX, m.SpecY, i, stem.c_str(), i & 1, true);
+        }
+        if (spectroscopy && ms->AveragedY) ExportOneSpectrum(*ms, ms->SweepX, ms->AveragedY, -1, stem.c_str(), 0, true);
         ms->MeasureFinish();
     }
     ResetMeasureState();
@@ -125,4 +161,9 @@ extern "C" void TavrinFuzzSeeds(const char* directory)
                                                             marker(0, {-5, 40}, 0, 0, 0xf0));
     fuzzsupport::WriteBytes(dir + "/seed_one_pixel", head(1, 1, 0x82, 0) + marker(4, {0, 0}, 0, 0, 0) +
                                                          marker(1, {-32768, -32768, 32767, 32767}, 0, 0, 0));
+    // Spectroscopy: a set of 3 linear images of side 7 behind a 20 by 16 image.
+    fuzzsupport::WriteBytes(dir + "/seed_spectra", head(20, 16, 0x41, -1) + std::string{3, 7} +
+                                                       marker(3, {8, 8, 11, 8}, 0, 0, 0) +
+                                                       marker(0, {3, 4}, 0, 0, 0) + marker(1, {1, 1, 18, 14}, 0, 0, 0) +
+                                                       marker(2, {1, 1, 9, 1, 9, 9}, 0, 0, 0));
 }
