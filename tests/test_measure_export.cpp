@@ -5,6 +5,7 @@
 
 #include "display/vfs.h"
 #include "files/measure_spectra.h"
+#include "files/spectrum_files.h"
 #include "platform/files.h"
 #include "platform/safe_replace.h"
 #include "store/value_text.h"
@@ -168,6 +169,61 @@ TEST_F(MeasureExportTest, SpectraOfMarkersGoToFilesNamedByTheMarker)
     // As XY data.
     EXPECT_EQ(ExportOneSpectrum(*ms, ms->SweepX, ms->Markers[0].SpecY, 0, Path("xy").c_str(), 1, true), 1);
     EXPECT_NE(ReadFileBytes(Path("xy_Point(2,3).dat")), "");
+    ms->MeasureFinish();
+}
+
+TEST_F(MeasureExportTest, SpectrumFilesAreDifferentiatedFirstAndMarkTheLMCMode)
+{
+    // 40 images whose pixels hold codes k * 1000 + 338: a straight line over the sweep, so the
+    // first derivative is one slope everywhere inside.
+    constexpr int kImages = 40;
+    ImageHeaderType* image = maptest::MakeMappingImage(8, kImages);
+    ASSERT_NE(image, nullptr);
+    for (int k = 0; k < kImages; ++k) {
+        uint16_t* pixels = CITSPixels(CITSEntry(image->CITSHeaderPtr, k));
+        for (int i = 0; i < 64; ++i) pixels[i] = static_cast<uint16_t>(k * 1000 + 338);
+    }
+    image->AcqMode = 51;
+    CurrentItem = image;
+    Open(true);
+    Add(TV_MARKER_POINT, {{2, 3}});
+    ms->DisplayImageWithMarkers();
+    ASSERT_EQ(ms->Markers[0].SpecCount, 1);
+    ms->DiffType = 1;
+    ASSERT_EQ(ExportOneSpectrum(*ms, ms->SweepX, ms->Markers[0].SpecY, 0, Path("d").c_str(), 1, true), 1);
+    const CITSHeaderType* set = image->CITSHeaderPtr;
+    const double slope = (CITSData2Current(CITSEntry(set, 3), 3 * 1000 + 338) -
+                          CITSData2Current(CITSEntry(set, 2), 2 * 1000 + 338)) / 0.25;
+    ASSERT_GT(std::fabs(slope), 0.1);
+    const std::string text = ReadFileBytes(Path("d_Point(2,3).dat"));
+    int rows = 0;
+    for (size_t at = text.find('\n'); at != std::string::npos && at + 1 < text.size(); at = text.find('\n', at + 1)) {
+        int index = 0;
+        double x = 0, y = 0;
+        ASSERT_EQ(std::sscanf(text.c_str() + at + 1, "%d %lf %lf", &index, &x, &y), 3) << text;
+        ++rows;
+        // The derivative's own X positions (from the derivative routine) go out with it.
+        if (index >= 10 && index <= 30) {
+            EXPECT_NEAR(y, slope, 1e-3 * std::fabs(slope)) << index;
+        }
+    }
+    EXPECT_EQ(rows, kImages);
+    // The spectrum file of an LMC acquisition is marked so.
+    ASSERT_EQ(ExportOneSpectrum(*ms, ms->SweepX, ms->Markers[0].SpecY, 0, Path("d").c_str(), 0, true), 1);
+    const FileHandle file = FileOpen(Path("d_Point(2,3).spc"), FileMode::Read);
+    ASSERT_NE(file, kInvalidFile);
+    ImageHeaderType* saved = loadSpec(file);
+    FileClose(file);
+    ASSERT_NE(saved, nullptr);
+    EXPECT_EQ(saved->LMCMode, 1u);
+    EXPECT_EQ(saved->nx, kImages);
+    FreeSpectrumRecord(saved);
+    // An existing XY file: the question names it by its stem.
+    host.messageBoxAnswers.push_back(TV_IDNO);
+    EXPECT_EQ(ExportOneSpectrum(*ms, ms->SweepX, ms->Markers[0].SpecY, 0, Path("d").c_str(), 1, false), 0);
+    ASSERT_FALSE(host.messageBoxes.empty());
+    EXPECT_EQ(host.messageBoxes.back().text, Path("d_Point(2,3)") + ".dat exists. Overwrite ?");
+    EXPECT_EQ(ReadFileBytes(Path("d_Point(2,3).dat")), text);
     ms->MeasureFinish();
 }
 
