@@ -4,6 +4,9 @@
 
 #include "test_mapping_support.h"
 
+#include <chrono>
+#include <thread>
+
 namespace {
 
 class MeasureAreaTest : public MeasureTest {};
@@ -198,6 +201,64 @@ TEST_F(MeasureAreaTest, InterruptedRunWritesNothingAndPostsTheRedraw)
     state = kCalcRunOn;
     ms->MarkerAreaCalcs(&state, false, image, nullptr, nullptr, s.Outputs(spectrum.data()));
     EXPECT_EQ(s.count, 64);
+    ms->MeasureFinish();
+}
+
+// A probe of the user that takes longer than the give-way time at its first look, and at
+// later looks answers `lateAnswer`.
+struct SlowProbe {
+    int looks = 0;
+    bool lateAnswer = false;
+    static bool Look(void* context)
+    {
+        SlowProbe& p = *static_cast<SlowProbe*>(context);
+        if (++p.looks == 1) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(kCalcGiveWayMs + 50));
+            return false;
+        }
+        return p.lateAnswer;
+    }
+};
+
+TEST_F(MeasureAreaTest, AfterTheGiveWayTimeTheRunGoesOnUnderTheWaitCursor)
+{
+    ImageHeaderType* image = maptest::MakeMappingImage(8, 3);
+    ASSERT_NE(image, nullptr);
+    CurrentItem = image;
+    Open(true);
+    SlowProbe probe;
+    ms->UserActivityProbe = SlowProbe::Look;
+    ms->UserActivityContext = &probe;
+    std::vector<float> spectrum(3, -1.0f);
+    AreaStats s;
+    host.ClearCalls();
+    int32_t state = kCalcInterruptible;
+    ms->MarkerAreaCalcs(&state, false, image, nullptr, nullptr, s.Outputs(spectrum.data()));
+    // The second row finds the time over and the user quiet: no more looks, the wait cursor on
+    // for the rest of the run.
+    EXPECT_EQ(state, kCalcRunOn);
+    EXPECT_EQ(probe.looks, 2);
+    EXPECT_EQ(s.count, 64);
+    EXPECT_NE(spectrum[0], -1.0f);
+    ASSERT_EQ(host.Count("SetWaitCursor"), 2);
+    EXPECT_EQ(host.Calls("SetWaitCursor")[0].args, "1");
+    EXPECT_EQ(host.Calls("SetWaitCursor")[1].args, "0");
+    EXPECT_EQ(ms->PostedMessages, 0);
+
+    // A user who moves after the give-way time still stops the run at that look.
+    probe = SlowProbe{0, true};
+    std::fill(spectrum.begin(), spectrum.end(), -1.0f);
+    s.mean = -5.0f;
+    host.ClearCalls();
+    state = kCalcInterruptible;
+    ms->MarkerAreaCalcs(&state, false, image, nullptr, nullptr, s.Outputs(spectrum.data()));
+    EXPECT_EQ(state, kCalcInterrupted);
+    EXPECT_EQ(probe.looks, 2);
+    EXPECT_EQ(s.count, 0);
+    EXPECT_EQ(s.mean, -5.0f);
+    EXPECT_EQ(spectrum[0], -1.0f);
+    EXPECT_EQ(host.Count("SetWaitCursor"), 0);
+    EXPECT_EQ(ms->PostedMessages, 1);
     ms->MeasureFinish();
 }
 
