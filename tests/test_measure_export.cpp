@@ -3,6 +3,8 @@
 
 #include "test_mapping_support.h"
 
+#include "display/plot.h"
+#include "display/plot_spectrum.h"
 #include "display/vfs.h"
 #include "files/measure_spectra.h"
 #include "files/spectrum_files.h"
@@ -282,6 +284,43 @@ TEST_F(MeasureSpectraPlotTest, MarkerSpectraArePlottedAndTheAverageIsWeightedByP
     EXPECT_EQ(CurrentVFS->VFSNo, 1);
     VFS_set_current_vfs(2);
     EXPECT_GT(CurrentVfs()->Items.size(), 0u);
+    ms->MeasureFinish();
+}
+
+TEST_F(MeasureSpectraPlotTest, ALogAxisWithANonPositiveLowEndIsDrawnLinear)
+{
+    TestFrameStore plot;
+    ASSERT_EQ(plot.Open(2), 0);
+    VFS_set_current_vfs(1);
+    ImageHeaderType* image = maptest::MakeMappingImage(8, 6);
+    ASSERT_NE(image, nullptr);
+    CurrentItem = image;
+    Open(true);
+    ms->SpectrumVFS = 2;
+    Add(TV_MARKER_POINT, {{1, 1}});
+    const int32_t savedX = PlotParam.LogAxisX, savedY = PlotParam.LogAxisY;
+    PlotParam.LogAxisX = 0;
+    PlotParam.LogAxisY = 1;
+    // Currents of -1 to 1 nA: the low end is not positive, so the Y axis is linear.
+    ms->DisplayImageWithMarkers();
+    ASSERT_LE(ms->YScaleLow[0], 0.0f);
+    EXPECT_EQ(PlotArea(1).LogY, 0);
+    EXPECT_EQ(PlotParam.LogAxisY, 1);
+    // All the currents above zero: a log axis, and the settings as they were afterwards.
+    for (int k = 0; k < 6; ++k) {
+        CITSEntry(image->CITSHeaderPtr, k)->z_low = 0.5f;
+        CITSEntry(image->CITSHeaderPtr, k)->z_high = 2.0f;
+    }
+    ms->ResetYScale(0);
+    ms->Markers[0].CalcValid = 0;
+    ms->SpectrumValid = 0;
+    ms->DisplayImageWithMarkers();
+    ASSERT_GT(ms->YScaleLow[0], 0.0f);
+    EXPECT_EQ(PlotArea(1).LogY, 1);
+    EXPECT_EQ(PlotParam.LogAxisY, 1);
+    EXPECT_EQ(LogScaleY, 1.0f);
+    PlotParam.LogAxisX = savedX;
+    PlotParam.LogAxisY = savedY;
     ms->MeasureFinish();
 }
 

@@ -189,11 +189,18 @@ int CMeasure::DisplaySpectra(int32_t* state, int32_t vfs, const char* title, boo
     const int index = DiffSpecType2Index(DiffType);
     float lo = AutoYScale ? YScaleLow[index] : YLow, hi = AutoYScale ? YScaleHigh[index] : YHigh;
     const bool fresh = lo == hi;
-    // The Y range widened to hold every curve.
+    // The Y range widened to hold every curve. A log axis whose low end is not positive is
+    // drawn linear; on a log axis the curves take the decade factors of the plot.
+    const int32_t logX = PlotParam.LogAxisX, logY = PlotParam.LogAxisY;
     for (int pass = 0; pass < 2; ++pass) {
         if (pass == 1) {
             VFS_set_current_vfs(vfs);
-            DrawPlotFrame(SweepLow, SweepHigh, lo, hi, "", title ? title : "", 0);
+            float xmin = std::min(SweepLow, SweepHigh), xmax = std::max(SweepLow, SweepHigh);
+            float ymin = lo, ymax = hi;
+            PlotParam.LogAxisX = logX && xmin > 0 ? logX : 0;
+            PlotParam.LogAxisY = logY && ymin > 0 ? logY : 0;
+            ApplyLogScale(nullptr, nullptr, 0, PlotParam.LogAxisX, PlotParam.LogAxisY, &xmin, &xmax, &ymin, &ymax);
+            DrawPlotFrame(xmin, xmax, ymin, ymax, "", title ? title : "", 0);
         }
         for (int i = 0; i < NoOfMarkers && Markers; ++i) {
             const MeasureMarkerType& m = Markers[i];
@@ -206,6 +213,7 @@ int CMeasure::DisplaySpectra(int32_t* state, int32_t vfs, const char* title, boo
                     hi = std::max(hi, work[ni + k]);
                 }
             } else {
+                for (int k = 0; k < ni; ++k) work[k] *= LogScaleX, work[ni + k] *= LogScaleY;
                 PlotCurve(work, work + ni, ni, 1 + i % 8, 1 + i % 8, 1, 0, 0);
             }
         }
@@ -215,6 +223,9 @@ int CMeasure::DisplaySpectra(int32_t* state, int32_t vfs, const char* title, boo
             if (lo == hi) hi = lo + 1.0f;
         }
     }
+    PlotParam.LogAxisX = logX;
+    PlotParam.LogAxisY = logY;
+    LogScaleX = LogScaleY = 1.0f;
     efree(work);
     DisplayIDlist();
     if (ImageVFS >= 0 && FindVFS(ImageVFS)) VFS_set_current_vfs(ImageVFS);
