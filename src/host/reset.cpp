@@ -12,6 +12,7 @@
 #include "image/contrast.h"
 #include "image/geometry.h"
 #include "image/particles.h"
+#include "analysis/measure.h"
 #include "image/subt_back.h"
 #include "mapping/cits_display.h"
 #include "host/ap_callbacks.h"
@@ -39,6 +40,7 @@ void ResetProcessState()
     ResetSubtBackState();
     ResetFFTState();
     ResetParticleState();
+    ResetMeasureState();
     ResetFilterKernels();
     ResetCITSDisplayState();
     ResetSelectionState();

@@ -1,4 +1,5 @@
 #include "host/startup.h"
+#include "analysis/measure.h"
 #include "display/colour_startup.h"
 #include "display/vfs.h"
 #include "host/ap_callbacks.h"
@@ -149,6 +150,7 @@ int Finish()
         StoreConfiguration();
         saved = true;
     }
+    ResetMeasureState();   // the measuring object and its markers end with the library
     EraseAllItems();
     if (DebugMode) g_finishDifference = g_startHeap - HeapWalk();
     FinishColourTables();

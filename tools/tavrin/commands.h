@@ -28,6 +28,15 @@ int CommandNormalise(const Args& args);
 int CommandFft(const Args& args);
 int CommandParticles(const Args& args);
 int CommandMap(const Args& args);
+int CommandMeasure(const Args& args);
+
+// The script's forms of the measuring object: open it on the current image (1: with its
+// mapping set), add a marker of a kind with its points "x,y,x,y,..." and a seed, draw and
+// measure, write the text table.
+int32_t ScriptMeasureInitialise(int32_t spectroscopy);
+int32_t ScriptMeasureAdd(int32_t type, const char* points, int32_t seedX, int32_t seedY);
+void ScriptMeasureDisplay();
+int32_t ScriptMeasureExport(const char* path);
 
 // The script's forms of the kernel table entry points: the kernel as a text "v1,v2,...".
 void ScriptGet3x3KernelParam(int16_t index, char* text);

@@ -34,6 +34,7 @@ const std::map<std::string, Command>& CommandTable()
         {"fft", {CommandFft}},
         {"particles", {CommandParticles}},
         {"map", {CommandMap}},
+        {"measure", {CommandMeasure}},
     };
     return table;
 }
@@ -153,6 +154,13 @@ void PrintUsage(FILE* out)
         "                          page P (from 0) of the paged browser\n"
         "  map replay FILE -o DIR  the rapid replay: DIR/replay_NNNN.png for every image, all\n"
         "                          on the colour scale of the whole set\n"
+        "  measure IN [--point X,Y] [--line X1,Y1,X2,Y2] [--rect AX,AY,BX,BY,CX,CY]\n"
+        "          [--circle CX,CY,RX,RY] [--polygon X,Y,... --seed X,Y] [--base MODE]\n"
+        "          [--base-height H] [-o OUT.png] [--export OUT.txt]\n"
+        "          [--spectra STEM --spc|--dat] [--json]\n"
+        "                          markers on the image (each option repeatable): prints the\n"
+        "                          summary table (JSON: the four columns and every marker);\n"
+        "                          MODE none, above, below or both\n"
         "\n"
         "Options:\n"
         "  -v                      print the log lines as they are written\n"

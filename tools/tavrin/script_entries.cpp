@@ -243,6 +243,13 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_pb_CITSEditTitle),
         TAVRIN_ENTRY(dl_CITSDisplayXxY),
         TAVRIN_ENTRY(dl_CITSRapidReplay),
+        // measuring markers: Measure.Add TYPE "X,Y,..." SEEDX SEEDY (type 1 point, 2 line,
+        // 4 rectangle, 8 circle, 16 polygon) answers the marker's index
+        TAVRIN_ENTRY(dl_GetMeasureClass),
+        MakeEntry("Measure.Initialise", ScriptMeasureInitialise),
+        MakeEntry("Measure.Add", ScriptMeasureAdd),
+        MakeEntry("Measure.Display", ScriptMeasureDisplay),
+        MakeEntry("Measure.Export", ScriptMeasureExport),
     };
     return entries;
 }
