@@ -28,6 +28,7 @@
 #include "platform/settings_store.h"
 #include "settings/cantilever.h"
 #include "spectro/spectro.h"
+#include "spectro/spec_tools.h"
 #include "store/data_list.h"
 #include "store/memory.h"
 
@@ -67,4 +68,5 @@ void ResetProcessState()
     ResetColourState();
     ResetImageDisplayState();
     ResetSpectroState();
+    ResetSpecToolsState();
 }
