@@ -1,6 +1,7 @@
 #include "host/reset.h"
 #include "files/tiff_read.h"
 #include "files/file_state.h"
+#include "analysis/multispec.h"
 #include "display/colour_startup.h"
 #include "display/render.h"
 #include "display/scroll_bars.h"
@@ -69,4 +70,5 @@ void ResetProcessState()
     ResetImageDisplayState();
     ResetSpectroState();
     ResetSpecToolsState();
+    ResetMultiSpecState();
 }
