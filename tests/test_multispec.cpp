@@ -270,3 +270,39 @@ TEST_F(MultiSpecTest, TheEntryPointAnswersTheOneObject)
     EXPECT_EQ(dl_GetMultiSpecDisp(), MultiSpecDisp());
     EXPECT_EQ(dl_GetMultiSpecDisp(), dl_GetMultiSpecDisp());
 }
+
+TEST_F(MultiSpecTest, MultiPlotDrawsEachShownCurveInItsColourWithLegends)
+{
+    ImageHeaderType* a = AddNamed("a.spc", Ramp(6, 0, 1), Ramp(6, 0, 2));
+    AddNamed("b.spc", Ramp(6, 0, 1), Ramp(6, 5, -1));
+    ImageHeaderType* c = AddNamed("c.spc", Ramp(6, 0, 1), Ramp(6, 1, 1));
+    disp->Initialise(static_cast<int32_t>(a->DataId), -1, -1);
+    disp->Param().PrimaryID = static_cast<int32_t>(a->DataId);
+    disp->Items()[0].Colour = 0x0000FF;
+    disp->Items()[1].Colour = 0x00A000;
+    disp->Items()[1].Selected = 1;
+    disp->Items()[2].Colour = 0x123456;
+    disp->Items()[2].Selected = 1;        // selected, but gone from the list
+    EraseItem(c);
+    disp->MultiPlot(-1);
+    EXPECT_GT(CountLines(0x0000FF), 0);
+    EXPECT_GT(CountLines(0x00A000), 0);
+    EXPECT_EQ(CountLines(0x123456), 0);
+    EXPECT_TRUE(HasText("Plot1:  a.spc"));
+    EXPECT_TRUE(HasText("Plot2:  b.spc"));
+    EXPECT_FALSE(HasText("Plot3:  c.spc"));
+    EXPECT_TRUE(HasText("Marker Position Y1: Y=128"));
+    EXPECT_TRUE(HasText("Marker Position X2: X=384"));
+    // The palette entry of the curves is as it was.
+    EXPECT_NE(IndexColour(35), 0x00A000u);
+}
+
+TEST_F(MultiSpecTest, MultiPlotWithNothingSelectedOnlyClears)
+{
+    AddNamed("a.spc", Ramp(6, 0, 1), Ramp(6, 0, 2));
+    disp->Initialise(-1, -1, -1);
+    disp->Items()[0].Selected = 0;
+    disp->MultiPlot(-1);
+    EXPECT_EQ(Items(VFS_ITEM_LINE).size(), 0u);
+    EXPECT_FALSE(HasText("Plot1:  a.spc"));
+}

@@ -71,5 +71,8 @@ TAVRIN_API void dl_GroupSpecPlot(void);
 /* The magnitude spectrum under window 1 none, 2 cosine taper, 3 Parzen, 4 Hamming, 5 cosine
  * arch; the number of points must be a power of two of at least 4. No item is made. */
 TAVRIN_API void dl_ShowSpecFFT(uint16_t window);
+/* The current image with the places of its attached spectra, and the first of them plotted;
+ * nothing for an item without attached spectra. */
+TAVRIN_API void dl_ShowSPSSpectrum(void);
 
 #endif

@@ -1,5 +1,11 @@
 #include "analysis/multispec.h"
+#include "display/frame_commands.h"
+#include "display/palette.h"
+#include "display/plot.h"
+#include "display/plot_buffer.h"
 #include "display/plot_spectrum.h"
+#include "display/vfs.h"
+#include "store/units.h"
 #include "host/errors.h"
 #include "host/prompts.h"
 #include "host/text.h"
@@ -21,6 +27,12 @@ constexpr int kFileBuild = 18;
 constexpr double kOldestVersion = 3.095;   // 3.10 with room for its decimal rounding
 constexpr int32_t kNoPrimaryAcqMode = 12;
 constexpr int32_t kNoPrimaryDataSource = 2;
+constexpr int kMultiPlotSize = 512;
+constexpr int kCurvePaletteEntry = 35;
+constexpr int kLegendColour = 25;
+constexpr int kLegendTop = 20;
+constexpr int kLegendStep = 16;
+constexpr int kLegendGap = 8;
 // Colours of new items by their place, red in the low byte.
 constexpr uint32_t kItemColours[8] = {0x0000FF, 0x00A000, 0xFF0000, 0x00A0A0, 0xA000A0, 0xA0A000, 0x404040, 0x0080FF};
 
@@ -174,6 +186,7 @@ void CMultiSpecDisp::Initialise(int32_t id, int32_t lowest, int32_t highest)
     if (!FindItemById(static_cast<uint32_t>(id)) && CurrentItem) id = static_cast<int32_t>(CurrentItem->DataId);
     if (!items_.empty()) oldItems_ = items_;
     items_.clear();
+    returnStore_ = CurrentVFS ? CurrentVFS->VFSNo : -1;
     int place = 0;
     for (ImageHeaderType* p = FirstItem; p; p = p->Next) {
         const int32_t number = static_cast<int32_t>(p->DataId);
@@ -285,6 +298,134 @@ int32_t CMultiSpecDisp::GetHighestID(const wint_MultiSpecParamType* p) const
     int32_t high = p->Items[0].ID;
     for (int i = 1; i < p->NoOfItems; ++i) high = std::max(high, p->Items[i].ID);
     return high;
+}
+
+bool CMultiSpecDisp::GetSpec_Nx_Nx1_Ofs(int i, const ImageHeaderType** spectrum, int* from, int* count) const
+{
+    const MultiSpecParam_ItemType& item = items_.at(static_cast<size_t>(i));
+    const ImageHeaderType* s = FindItemById(static_cast<uint32_t>(item.ID));
+    if (!IsSpectrumItem(s)) return false;
+    const int turn = TurnOf(s);
+    *spectrum = s;
+    *from = item.Ramp == 2 ? turn + 1 : 0;
+    *count = item.Ramp == 2 ? s->nx - turn - 1 : item.Ramp == 1 ? turn + 1 : s->nx;
+    *count = std::clamp(*count, 0, s->nx - *from);
+    return true;
+}
+
+void CMultiSpecDisp::MultiPlot(int vfs)
+{
+    const SavedPlotSettings saved = SavePlotSettings();
+    const PlotSettings kept = PlotParam;
+    PlotParam.AutoAxes = static_cast<uint16_t>((param_.AutoAxisX ? 1 : 0) | (param_.AutoAxisY ? 2 : 0));
+    PlotParam.MinX = static_cast<float>(param_.AxisX[0]);
+    PlotParam.MaxX = static_cast<float>(param_.AxisX[1]);
+    PlotParam.TickStepX = static_cast<float>(param_.AxisX[2]);
+    PlotParam.MinY = static_cast<float>(param_.AxisY[0]);
+    PlotParam.MaxY = static_cast<float>(param_.AxisY[1]);
+    PlotParam.TickStepY = static_cast<float>(param_.AxisY[2]);
+    auto restore = [&] {
+        PlotParam = kept;
+        RestorePlotSettings(saved);
+    };
+    const size_t most = static_cast<size_t>(std::max(GetMax_np(), 1));
+    PlotBuffer px(most), py(most);
+    if (!px.Ok() || !py.Ok()) {
+        restore();
+        return;
+    }
+    const int store = vfs >= 0 ? vfs : returnStore_;
+    if (store >= 0) VFS_set_current_vfs(store);
+    MatchSpectra(&param_);
+    double xlo = 3.4e38, xhi = -3.4e38, ylo = 3.4e38, yhi = -3.4e38;
+    bool any = false;
+    for (int i = 0; i < ItemCount(); ++i) {
+        const MultiSpecParam_ItemType& item = items_[static_cast<size_t>(i)];
+        if (!SelectedForDisplay(item)) continue;
+        any = true;
+        xlo = std::min({xlo, ConvertX(i, item.MinX), ConvertX(i, item.MaxX)});
+        xhi = std::max({xhi, ConvertX(i, item.MinX), ConvertX(i, item.MaxX)});
+        ylo = std::min({ylo, ConvertY(i, item.MinY), ConvertY(i, item.MaxY)});
+        yhi = std::max({yhi, ConvertY(i, item.MinY), ConvertY(i, item.MaxY)});
+    }
+    ClearFrameStore();
+    const ImageHeaderType* primary = param_.PrimaryID >= 0 ? FindItemById(static_cast<uint32_t>(param_.PrimaryID)) : nullptr;
+    if (!any || !primary) {
+        restore();
+        return;
+    }
+    if (xlo <= 0) PlotParam.LogAxisX = 0;
+    if (ylo <= 0) PlotParam.LogAxisY = 0;
+    if (PlotParam.LogAxisX) PlotParam.AutoAxes |= 1;
+    if (PlotParam.LogAxisY) PlotParam.AutoAxes |= 2;
+    if (!(PlotParam.AutoAxes & 1)) xlo = PlotParam.MinX, xhi = PlotParam.MaxX;
+    if (!(PlotParam.AutoAxes & 2)) ylo = PlotParam.MinY, yhi = PlotParam.MaxY;
+    PlotParam.PlotWidth = PlotParam.PlotHeight = kMultiPlotSize;
+    char xtitle[80] = "", ytitle[48] = "";
+    if (param_.DisplayUnitsX) XTitle(primary->ImType1, primary, xtitle, sizeof xtitle);
+    if (param_.DisplayUnitsY) CopyText(ytitle, sizeof ytitle, primary->Title, sizeof primary->Title);
+    float fx0 = static_cast<float>(xlo), fx1 = static_cast<float>(xhi), fy0 = static_cast<float>(ylo), fy1 = static_cast<float>(yhi);
+    if (PlotParam.LogAxisX || PlotParam.LogAxisY) {
+        float dummy = 0;
+        ApplyLogScale(&dummy, &dummy, 0, PlotParam.LogAxisX, PlotParam.LogAxisY, &fx0, &fx1, &fy0, &fy1);
+    } else {
+        LogScaleX = LogScaleY = 1.0f;
+    }
+    DrawPlotFrame(fx0, fx1, fy0, fy1, xtitle, ytitle, 0);
+    const uint8_t savedRed = PaletteRed[kCurvePaletteEntry], savedGreen = PaletteGreen[kCurvePaletteEntry],
+                  savedBlue = PaletteBlue[kCurvePaletteEntry];
+    BeginBatch();
+    for (int i = 0; i < ItemCount(); ++i) {
+        const MultiSpecParam_ItemType& item = items_[static_cast<size_t>(i)];
+        const ImageHeaderType* s = nullptr;
+        int from = 0, count = 0;
+        if (!SelectedForDisplay(item) || !GetSpec_Nx_Nx1_Ofs(i, &s, &from, &count) || count <= 0) continue;
+        const float* y = reinterpret_cast<const float*>(s->PixData) + from;
+        const float* x = reinterpret_cast<const float*>(s->PixData) + s->nx + from;
+        for (int k = 0; k < count; ++k) {
+            px.Data()[k] = static_cast<float>(ConvertX(i, x[k])) * LogScaleX;
+            py.Data()[k] = static_cast<float>(ConvertY(i, ImageDataValue2Calibrated(s, y[k], 0))) * LogScaleY;
+        }
+        PaletteRed[kCurvePaletteEntry] = static_cast<uint8_t>(item.Colour & 0xFF);
+        PaletteGreen[kCurvePaletteEntry] = static_cast<uint8_t>((item.Colour >> 8) & 0xFF);
+        PaletteBlue[kCurvePaletteEntry] = static_cast<uint8_t>((item.Colour >> 16) & 0xFF);
+        if (s->ImType1 == 4)
+            PlotBars(px.Data(), py.Data(), count, 0.0f, kCurvePaletteEntry, 0);
+        else
+            PlotCurve(px.Data(), py.Data(), count, kCurvePaletteEntry, kCurvePaletteEntry, 1, 0, 0);
+    }
+    PaletteRed[kCurvePaletteEntry] = savedRed;
+    PaletteGreen[kCurvePaletteEntry] = savedGreen;
+    PaletteBlue[kCurvePaletteEntry] = savedBlue;
+    DrawLegends();
+    EndBatchAndShow(0, 0, PlotParam.PlotWidth + 255, PlotParam.PlotHeight - 1);
+    restore();
+}
+
+void CMultiSpecDisp::DrawLegends()
+{
+    FSSetClip(0, 0, kMultiPlotSize + 255, kMultiPlotSize - 1);
+    FSSetTextColour(kLegendColour);
+    FSSetTextAlign(TextAlignWord(0, 2, 0));
+    char line[96];
+    int row = kLegendTop, shown = 0;
+    for (int i = 0; i < ItemCount(); ++i) {
+        const MultiSpecParam_ItemType& item = items_[static_cast<size_t>(i)];
+        if (!SelectedForDisplay(item)) continue;
+        std::snprintf(line, sizeof line, "Plot%d:  %s", ++shown, item.Title);
+        FSTextOut(kMultiPlotSize + kLegendGap, row, line);
+        row += kLegendStep;
+    }
+    static const char kMarkerAxis[4] = {'Y', 'X', 'Y', 'X'};
+    static const int kMarkerNumber[4] = {1, 1, 2, 2};
+    for (int m = 0; m < 4; ++m) {
+        if (!param_.MarkerOn[m]) continue;
+        char value[32];
+        std::snprintf(value, sizeof value, "%g", param_.MarkerPos[m]);
+        std::snprintf(line, sizeof line, "Marker Position %c%d: %c=%s", kMarkerAxis[m], kMarkerNumber[m], kMarkerAxis[m], value);
+        FSTextOut(kMultiPlotSize + kLegendGap, row, line);
+        row += kLegendStep;
+    }
 }
 
 int CMultiSpecDisp::SaveMultiSpecData(const char* path)

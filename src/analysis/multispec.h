@@ -30,6 +30,8 @@ public:
     double ConvertY(int i, double y) const;
     int32_t GetLowestID(const wint_MultiSpecParamType* p) const;
     int32_t GetHighestID(const wint_MultiSpecParamType* p) const;
+    // Draws the selected and matched items in frame store `vfs` (negative: the one of the run).
+    void MultiPlot(int vfs);
     // The settings file; 1 on success, 0 on failure.
     int SaveMultiSpecData(const char* path);
     int LoadMultiSpecData(const char* path);
@@ -48,6 +50,9 @@ private:
     int GetIndexFromId(int32_t id) const;
     int GetMax_np() const;
     void SyncParam();
+    void DrawLegends();
+    // The samples of item i: first index and count within its spectrum; false when it is gone.
+    bool GetSpec_Nx_Nx1_Ofs(int i, const ImageHeaderType** spectrum, int* from, int* count) const;
 
     wint_MultiSpecParamType param_{};
     std::vector<MultiSpecParam_ItemType> items_;

@@ -3,6 +3,7 @@
 #include "host/trace.h"
 #include "spectro/spectro.h"
 #include "spectro/spec_tools.h"
+#include "spectro/sps_ref_view.h"
 
 TAVRIN_API void dl_SmoothSpec(void)
 {
@@ -98,4 +99,10 @@ TAVRIN_API void dl_ShowSpecFFT(uint16_t window)
 {
     TraceEntry("dl_ShowSpecFFT: %d", window);
     ShowSpecFFT(window);
+}
+
+TAVRIN_API void dl_ShowSPSSpectrum(void)
+{
+    TraceEntry("dl_ShowSPSSpectrum");
+    ShowSPSSpectrum();
 }

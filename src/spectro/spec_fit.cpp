@@ -52,6 +52,7 @@ void WriteFitText(const PolyRegressionStats& s, int degree)
     const PlotAreaType& a = CurrentPlotArea();
     FSSetClip(0, 0, kToolWindowWidth - 1, kToolWindowHeight - 1);
     FSSetTextColour(kFitColour);
+    FSSetTextAlign(TextAlignWord(0, 2, 0));
     const int x = a.Right + kTextGap;
     char line[96];
     int y = kTextTop;

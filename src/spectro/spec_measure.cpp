@@ -63,6 +63,7 @@ void ShowMeasureText(const ImageHeaderType* item, float x, float y)
     FSSetClip(0, 0, kToolWindowWidth - 1, kToolWindowHeight - 1);
     FSBox(VFS_ITEM_FILL, kTextLeft, 0, kToolWindowWidth - 1, kToolWindowHeight - 1);
     FSSetTextColour(kTextColour);
+    FSSetTextAlign(TextAlignWord(0, 2, 0));
     int row = kTextTop;
     for (int i = 0; i < count; ++i, row += kTextStep) FSTextOut(kTextLeft, row, lines[i]);
     if (g_measure.haveReference)

@@ -28,6 +28,7 @@ const std::map<std::string, Command>& CommandTable()
         {"spec", {CommandSpec}},
         {"specfit", {CommandSpecFit}},
         {"specfft", {CommandSpecFFT}},
+        {"multispec", {CommandMultiSpec}},
         {"lut", {CommandLut}},
         {"histogram", {CommandHistogram}},
         {"math", {CommandMath}},
@@ -125,6 +126,11 @@ void PrintUsage(FILE* out)
         "  specfft IN --window W [-o OUT.png] [--csv]\n"
         "                          the magnitude spectrum under window 1 none, 2 cosine, 3\n"
         "                          Parzen, 4 Hamming, 5 cosine arch (points a power of two)\n"
+        "  multispec A.spc B.spc ... -o OUT.png [--primary N] [--shift I:X,Y]\n"
+        "        [--gain I:X,Y] [--load S.txt] [--save S.txt]\n"
+        "                          the spectra overlaid, each with its shift and gain (items\n"
+        "                          from 1, a two-way spectrum two); the arrangement saved or\n"
+        "                          loaded as a settings file\n"
         "  lut IN OUT --contrast B,C,G | --threshold LO,HI [--transform] | --equalise\n"
         "        | --linearise | --op NAME[:K]\n"
         "                          one command on the image's level table, the result saved as\n"
