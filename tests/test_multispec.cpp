@@ -291,8 +291,20 @@ TEST_F(MultiSpecTest, MultiPlotDrawsEachShownCurveInItsColourWithLegends)
     EXPECT_TRUE(HasText("Plot1:  a.spc"));
     EXPECT_TRUE(HasText("Plot2:  b.spc"));
     EXPECT_FALSE(HasText("Plot3:  c.spc"));
-    EXPECT_TRUE(HasText("Marker Position Y1: Y=128"));
-    EXPECT_TRUE(HasText("Marker Position X2: X=384"));
+    // The markers are named with their places in the units of the plot.
+    double y1 = 0, x2 = 0;
+    ASSERT_TRUE(disp->MarkerValue(0, &y1));
+    ASSERT_TRUE(disp->MarkerValue(3, &x2));
+    EXPECT_EQ(WorldToPixelY(static_cast<float>(y1)), 128);
+    EXPECT_EQ(WorldToPixelX(static_cast<float>(x2)), 384);
+    char text[64];
+    std::snprintf(text, sizeof text, "Marker Position Y1: Y=%g", y1);
+    EXPECT_TRUE(HasText(text)) << text;
+    std::snprintf(text, sizeof text, "Marker Position X2: X=%g", x2);
+    EXPECT_TRUE(HasText(text)) << text;
+    // Initialise asked for the window of the plot and its legends.
+    ASSERT_GE(host.Count("ap_OpenPlotWindow"), 1);
+    EXPECT_EQ(host.Calls("ap_OpenPlotWindow")[0].args, "768 512 'Multi Spectra Display'");
     // The palette entry of the curves is as it was.
     EXPECT_NE(IndexColour(35), 0x00A000u);
 }
@@ -305,4 +317,141 @@ TEST_F(MultiSpecTest, MultiPlotWithNothingSelectedOnlyClears)
     disp->MultiPlot(-1);
     EXPECT_EQ(Items(VFS_ITEM_LINE).size(), 0u);
     EXPECT_FALSE(HasText("Plot1:  a.spc"));
+}
+
+TEST_F(MultiSpecTest, LineMarkersAreDrawnAcrossThePlotInTheirColours)
+{
+    ImageHeaderType* a = AddNamed("a.spc", Ramp(6, 0, 1), Ramp(6, 0, 2));
+    disp->Initialise(static_cast<int32_t>(a->DataId), -1, -1);
+    wint_MultiSpecParamType& p = disp->Param();
+    p.PrimaryID = static_cast<int32_t>(a->DataId);
+    p.MarkerColour[0] = 0x112233;
+    p.MarkerColour[1] = 0x445566;
+    p.MarkerOn[2] = p.MarkerOn[3] = 0;
+    p.MarkerColour[2] = 0x778899;
+    disp->MultiPlot(-1);
+    bool across = false, up = false;
+    for (const CVfsItem& line : Items(VFS_ITEM_LINE)) {
+        if (line.Colour == 0x112233u) across = line.Y1 == 128 && line.Y2 == 128 && line.X1 == 0 && line.X2 == 511;
+        if (line.Colour == 0x445566u) up = line.X1 == 384 && line.X2 == 384 && line.Y1 == 0 && line.Y2 == 511;
+    }
+    EXPECT_TRUE(across);
+    EXPECT_TRUE(up);
+    EXPECT_EQ(CountLines(0x778899), 0);
+    EXPECT_FALSE(HasText("Marker Position Y2: Y=128"));
+}
+
+TEST_F(MultiSpecTest, ExportGivesTheCrossingsOfTheXMarkersWithEachCurve)
+{
+    // a: y = 2x, b: y = 5 - x, both over x from 0 to 5; c reaches only x = 0.5.
+    ImageHeaderType* a = AddNamed("a.spc", Ramp(6, 0, 1), Ramp(6, 0, 2));
+    AddNamed("b.spc", Ramp(6, 0, 1), Ramp(6, 5, -1));
+    AddNamed("c.spc", Ramp(6, 0, 0.1f), Ramp(6, 1, 0));
+    disp->Initialise(static_cast<int32_t>(a->DataId), -1, -1);
+    disp->Param().PrimaryID = static_cast<int32_t>(a->DataId);
+    for (int i = 0; i < 3; ++i) disp->Items()[i].Selected = 1;
+    disp->Items()[1].ShiftY = 1.0;   // b is shown as y = 6 - x
+    disp->Param().MarkerPos[1] = 128;   // X1 left of X2 (both start at 384)
+    disp->MultiPlot(-1);
+    double x1 = 0, x2 = 0;
+    ASSERT_TRUE(disp->MarkerValue(1, &x1));
+    ASSERT_TRUE(disp->MarkerValue(3, &x2));
+    ASSERT_GT(x1, 0.5);
+    ASSERT_LT(x2, 5.0);
+    ASSERT_LT(x1, x2);
+    const std::vector<MultiSpecMarkerData>& data = disp->MarkerData();
+    ASSERT_EQ(data.size(), 3u);
+    ASSERT_TRUE(data[0].has[0] && data[0].has[1]);
+    EXPECT_NEAR(data[0].y[0], 2 * x1, 1e-5);
+    EXPECT_NEAR(data[0].y[1], 2 * x2, 1e-5);
+    EXPECT_NEAR(data[1].y[0], 6 - x1, 1e-5);
+    EXPECT_FALSE(data[2].has[0]);
+
+    const std::string path = Path("export.txt");
+    ASSERT_EQ(disp->ExportMultiSpecData(path.c_str()), 1);
+    const std::string text = ReadFileBytes(path);
+    EXPECT_EQ(text.rfind("Tavrin Version 3.10(18)\nMulti Spectra Display settings saved on  ", 0), 0u);
+    char markers[96];
+    std::snprintf(markers, sizeof markers, " X1=1 %g ", x1);
+    EXPECT_NE(text.find(std::string("\nLine Markers: Y1=1 ")), std::string::npos);
+    EXPECT_NE(text.find(markers), std::string::npos) << markers;
+    EXPECT_NE(text.find("Filename 1.0=/data/a.spc\nTitle 1.0=a.spc\nMin/Max X=0 5\nMin/Max Y=0 10\n"
+                        "Shift X, Y=0 0\nGain  X, Y=1 1\n"),
+              std::string::npos);
+    EXPECT_NE(text.find("Filename 2.0=/data/b.spc\nTitle 2.0=b.spc\nMin/Max X=0 5\nMin/Max Y=0 5\n"
+                        "Shift X, Y=0 1\nGain  X, Y=1 1\n"),
+              std::string::npos);
+    // The slopes of a and b from the file's own numbers.
+    double fx1 = 0, fy1 = 0, fx2 = 0, fy2 = 0, dx = 0, dy = 0, slope = 0;
+    const size_t first = text.find("X1=", text.find("Filename 1.0"));
+    ASSERT_EQ(std::sscanf(text.c_str() + first, "X1=%lf   Y1=%lf   X2=%lf   Y2=%lf\nX2-X1=%lf   Y2-Y1=%lf\ndYdX=%lf", &fx1,
+                          &fy1, &fx2, &fy2, &dx, &dy, &slope),
+              7);
+    EXPECT_NEAR(fx1, x1, 1e-4 * x2);
+    EXPECT_NEAR(fy1, 2 * x1, 1e-4 * x2);
+    EXPECT_NEAR(slope, 2.0, 1e-4);
+    const size_t second = text.find("dYdX=", text.find("Filename 2.0"));
+    ASSERT_EQ(std::sscanf(text.c_str() + second, "dYdX=%lf", &slope), 1);
+    EXPECT_NEAR(slope, -1.0, 1e-4);
+    // c does not reach the X markers.
+    EXPECT_NE(text.find("Filename 3.0=/data/c.spc\n"), std::string::npos);
+    EXPECT_NE(text.find("X1=n/a   Y1=n/a   X2=n/a   Y2=n/a\nX2-X1=n/a   Y2-Y1=n/a\ndYdX=n/a\n"), std::string::npos);
+}
+
+TEST_F(MultiSpecTest, ExportOfAMarkerThatIsOffIsNotAvailable)
+{
+    ImageHeaderType* a = AddNamed("a.spc", Ramp(6, 0, 1), Ramp(6, 0, 2));
+    disp->Initialise(static_cast<int32_t>(a->DataId), -1, -1);
+    disp->Param().PrimaryID = static_cast<int32_t>(a->DataId);
+    disp->Param().MarkerOn[3] = 0;
+    disp->MultiPlot(-1);
+    const std::string path = Path("export.txt");
+    ASSERT_EQ(disp->ExportMultiSpecData(path.c_str()), 1);
+    const std::string text = ReadFileBytes(path);
+    EXPECT_NE(text.find(" X2=0 n/a\n\n"), std::string::npos);
+    EXPECT_NE(text.find("   X2=n/a   Y2=n/a\nX2-X1=n/a   Y2-Y1=n/a\ndYdX=n/a\n"), std::string::npos);
+}
+
+TEST_F(MultiSpecTest, ExportBeforeAnyPlotKnowsNoMarker)
+{
+    AddNamed("a.spc", Ramp(6, 0, 1), Ramp(6, 0, 2));
+    disp->Initialise(-1, -1, -1);
+    const std::string path = Path("export.txt");
+    ASSERT_EQ(disp->ExportMultiSpecData(path.c_str()), 1);
+    EXPECT_NE(ReadFileBytes(path).find("Line Markers: Y1=1 n/a X1=1 n/a Y2=1 n/a X2=1 n/a\n\n"), std::string::npos);
+    EXPECT_EQ(disp->ExportMultiSpecData(nullptr), 0);
+}
+
+TEST_F(MultiSpecTest, TheDialogRecordIsTakenOverAndPlotted)
+{
+    ImageHeaderType* a = AddNamed("a.spc", Ramp(6, 0, 1), Ramp(6, 0, 2));
+    disp->Initialise(static_cast<int32_t>(a->DataId), -1, -1);
+    wint_MultiSpecParamType p = disp->Param();
+    p.PrimaryID = static_cast<int32_t>(a->DataId);
+    p.MatchScanMode = 1;
+    std::vector<MultiSpecParam_ItemType> items(disp->Items(), disp->Items() + disp->ItemCount());
+    items[0].Colour = 0x0A0B0C;
+    p.Items = items.data();
+    ASSERT_TRUE(disp->CopyParams2DLLAndAllocateMemAndPlot(p));
+    items[0].Colour = 0;   // the object holds its own copy
+    EXPECT_EQ(disp->Param().MatchScanMode, 1);
+    EXPECT_NE(disp->Param().Items, items.data());
+    EXPECT_EQ(disp->Items()[0].Colour, 0x0A0B0Cu);
+    EXPECT_GT(CountLines(0x0A0B0C), 0);
+}
+
+TEST_F(MultiSpecTest, MultiPlotWorkArrayFailureIsReportedAndDrawsNothing)
+{
+    ImageHeaderType* a = AddNamed("a.spc", Ramp(6, 0, 1), Ramp(6, 0, 2));
+    disp->Initialise(static_cast<int32_t>(a->DataId), -1, -1);
+    disp->Param().PrimaryID = static_cast<int32_t>(a->DataId);
+    const int items = CountItems();
+    for (int skip = 0; skip < 2; ++skip) {
+        FailAllocationsForTests(1, skip);
+        disp->MultiPlot(-1);
+        FailAllocationsForTests(0);
+        EXPECT_EQ(Items(VFS_ITEM_LINE).size(), 0u) << skip;
+        EXPECT_EQ(CountItems(), items);
+    }
+    EXPECT_TRUE(LogHasError("Not enough memory"));
 }

@@ -6,6 +6,7 @@
 #include "display/plot_spectrum.h"
 #include "display/vfs.h"
 #include "store/units.h"
+#include "host/ap_callbacks.h"
 #include "host/errors.h"
 #include "host/prompts.h"
 #include "host/text.h"
@@ -27,12 +28,12 @@ constexpr int kFileBuild = 18;
 constexpr double kOldestVersion = 3.095;   // 3.10 with room for its decimal rounding
 constexpr int32_t kNoPrimaryAcqMode = 12;
 constexpr int32_t kNoPrimaryDataSource = 2;
-constexpr int kMultiPlotSize = 512;
-constexpr int kCurvePaletteEntry = 35;
 constexpr int kLegendColour = 25;
 constexpr int kLegendTop = 20;
 constexpr int kLegendStep = 16;
 constexpr int kLegendGap = 8;
+constexpr int kLegendStrip = 256;
+const char* const kWindowTitle = "Multi Spectra Display";
 // Colours of new items by their place, red in the low byte.
 constexpr uint32_t kItemColours[8] = {0x0000FF, 0x00A000, 0xFF0000, 0x00A0A0, 0xA000A0, 0xA0A000, 0x404040, 0x0080FF};
 
@@ -51,8 +52,9 @@ void CopyText(char* dst, size_t size, const char* src, size_t srcSize)
     dst[n] = '\0';
 }
 
-// A path with each backslash doubled and ".spc" added when it has no extension.
-std::string SettingsPath(const char* name)
+} // namespace
+
+std::string MultiSpecFileName(const char* name)
 {
     std::string path(name, strnlen(name, 260));
     const size_t slash = path.find_last_of("\\/");
@@ -64,6 +66,8 @@ std::string SettingsPath(const char* name)
     }
     return out;
 }
+
+namespace {
 
 std::string UndoubleBackslashes(const std::string& text)
 {
@@ -114,6 +118,9 @@ void CMultiSpecDisp::Reset()
     oldItems_.clear();
     SyncParam();
     returnStore_ = -1;
+    havePlot_ = false;
+    markerData_.clear();
+    for (bool& known : markerKnown_) known = false;
 }
 
 void CMultiSpecDisp::InitMultiSpecParamType(wint_MultiSpecParamType* p)
@@ -186,6 +193,8 @@ void CMultiSpecDisp::Initialise(int32_t id, int32_t lowest, int32_t highest)
     if (!FindItemById(static_cast<uint32_t>(id)) && CurrentItem) id = static_cast<int32_t>(CurrentItem->DataId);
     if (!items_.empty()) oldItems_ = items_;
     items_.clear();
+    // The plot and the strip of its legends on the right.
+    Ap.ap_OpenPlotWindow(kMultiPlotSize + kLegendStrip, kMultiPlotSize, kWindowTitle);
     returnStore_ = CurrentVFS ? CurrentVFS->VFSNo : -1;
     int place = 0;
     for (ImageHeaderType* p = FirstItem; p; p = p->Next) {
@@ -372,8 +381,12 @@ void CMultiSpecDisp::MultiPlot(int vfs)
         LogScaleX = LogScaleY = 1.0f;
     }
     DrawPlotFrame(fx0, fx1, fy0, fy1, xtitle, ytitle, 0);
-    const uint8_t savedRed = PaletteRed[kCurvePaletteEntry], savedGreen = PaletteGreen[kCurvePaletteEntry],
-                  savedBlue = PaletteBlue[kCurvePaletteEntry];
+    havePlot_ = true;
+    plotArea_ = CurrentPlotArea();
+    plotLogScale_[0] = LogScaleX;
+    plotLogScale_[1] = LogScaleY;
+    const uint8_t savedRed = PaletteRed[kMultiCurvePaletteEntry], savedGreen = PaletteGreen[kMultiCurvePaletteEntry],
+                  savedBlue = PaletteBlue[kMultiCurvePaletteEntry];
     BeginBatch();
     for (int i = 0; i < ItemCount(); ++i) {
         const MultiSpecParam_ItemType& item = items_[static_cast<size_t>(i)];
@@ -386,25 +399,25 @@ void CMultiSpecDisp::MultiPlot(int vfs)
             px.Data()[k] = static_cast<float>(ConvertX(i, x[k])) * LogScaleX;
             py.Data()[k] = static_cast<float>(ConvertY(i, ImageDataValue2Calibrated(s, y[k], 0))) * LogScaleY;
         }
-        PaletteRed[kCurvePaletteEntry] = static_cast<uint8_t>(item.Colour & 0xFF);
-        PaletteGreen[kCurvePaletteEntry] = static_cast<uint8_t>((item.Colour >> 8) & 0xFF);
-        PaletteBlue[kCurvePaletteEntry] = static_cast<uint8_t>((item.Colour >> 16) & 0xFF);
+        SetPaletteEntryColour(kMultiCurvePaletteEntry, item.Colour);
         if (s->ImType1 == 4)
-            PlotBars(px.Data(), py.Data(), count, 0.0f, kCurvePaletteEntry, 0);
+            PlotBars(px.Data(), py.Data(), count, 0.0f, kMultiCurvePaletteEntry, 0);
         else
-            PlotCurve(px.Data(), py.Data(), count, kCurvePaletteEntry, kCurvePaletteEntry, 1, 0, 0);
+            PlotCurve(px.Data(), py.Data(), count, kMultiCurvePaletteEntry, kMultiCurvePaletteEntry, 1, 0, 0);
     }
-    PaletteRed[kCurvePaletteEntry] = savedRed;
-    PaletteGreen[kCurvePaletteEntry] = savedGreen;
-    PaletteBlue[kCurvePaletteEntry] = savedBlue;
+    DrawLineMarkers();
+    PaletteRed[kMultiCurvePaletteEntry] = savedRed;
+    PaletteGreen[kMultiCurvePaletteEntry] = savedGreen;
+    PaletteBlue[kMultiCurvePaletteEntry] = savedBlue;
+    UpdateLineMarkerData();
     DrawLegends();
-    EndBatchAndShow(0, 0, PlotParam.PlotWidth + 255, PlotParam.PlotHeight - 1);
+    EndBatchAndShow(0, 0, PlotParam.PlotWidth + kLegendStrip - 1, PlotParam.PlotHeight - 1);
     restore();
 }
 
 void CMultiSpecDisp::DrawLegends()
 {
-    FSSetClip(0, 0, kMultiPlotSize + 255, kMultiPlotSize - 1);
+    FSSetClip(0, 0, kMultiPlotSize + kLegendStrip - 1, kMultiPlotSize - 1);
     FSSetTextColour(kLegendColour);
     FSSetTextAlign(TextAlignWord(0, 2, 0));
     char line[96];
@@ -419,25 +432,50 @@ void CMultiSpecDisp::DrawLegends()
     static const char kMarkerAxis[4] = {'Y', 'X', 'Y', 'X'};
     static const int kMarkerNumber[4] = {1, 1, 2, 2};
     for (int m = 0; m < 4; ++m) {
-        if (!param_.MarkerOn[m]) continue;
+        double at = 0;
+        if (!param_.MarkerOn[m] || !MarkerValue(m, &at)) continue;
         char value[32];
-        std::snprintf(value, sizeof value, "%g", param_.MarkerPos[m]);
+        std::snprintf(value, sizeof value, "%g", at);
         std::snprintf(line, sizeof line, "Marker Position %c%d: %c=%s", kMarkerAxis[m], kMarkerNumber[m], kMarkerAxis[m], value);
         FSTextOut(kMultiPlotSize + kLegendGap, row, line);
         row += kLegendStep;
     }
 }
 
-int CMultiSpecDisp::SaveMultiSpecData(const char* path)
+void CMultiSpecDisp::WriteFileHead(FILE* f) const
 {
-    FILE* f = path ? std::fopen(path, "w") : nullptr;
-    if (!f) return 0;
     const LocalTime t = GetLocalTime();
-    const wint_MultiSpecParamType& p = param_;
     std::fprintf(f, "Tavrin Version %.2lf(%d)\n", kFileVersion, kFileBuild);
     std::fprintf(f, "Multi Spectra Display settings saved on  %d/%d/%4d at %02d:%02d:%02d\n", t.day, t.month, t.year,
                  t.hour, t.minute, t.second);
     std::fprintf(f, "\n");
+}
+
+std::vector<int> CMultiSpecDisp::FileNumbers() const
+{
+    std::vector<int> numbers(items_.size(), 0);
+    int number = 0;
+    for (size_t k = 0; k < items_.size(); ++k) {
+        if (!FindItemById(static_cast<uint32_t>(items_[k].ID))) continue;
+        if (items_[k].Ramp != 2) ++number;
+        numbers[k] = number;
+    }
+    return numbers;
+}
+
+bool CMultiSpecDisp::CopyParams2DLLAndAllocateMemAndPlot(wint_MultiSpecParamType p)
+{
+    if (!CopyParamsAndAllocateMem(&param_, &p)) return false;
+    MultiPlot(-1);
+    return true;
+}
+
+int CMultiSpecDisp::SaveMultiSpecData(const char* path)
+{
+    FILE* f = path ? std::fopen(path, "w") : nullptr;
+    if (!f) return 0;
+    const wint_MultiSpecParamType& p = param_;
+    WriteFileHead(f);
     std::fprintf(f, "Match Y units=%d\n", p.MatchYUnits);
     std::fprintf(f, "Match Scan Mode=%d\n", p.MatchScanMode);
     std::fprintf(f, "Lock gain and shifts=%d %d\n", p.LockGain, p.LockShift);
@@ -458,12 +496,13 @@ int CMultiSpecDisp::SaveMultiSpecData(const char* path)
     }
     std::fprintf(f, "Primary Index=%d\n", primary);
     std::fprintf(f, "Number of Spectra=%d\n\n", spectra);
-    int number = 0;
-    for (const MultiSpecParam_ItemType& item : items_) {
+    const std::vector<int> numbers = FileNumbers();
+    for (size_t k = 0; k < items_.size(); ++k) {
+        const MultiSpecParam_ItemType& item = items_[k];
         const ImageHeaderType* s = FindItemById(static_cast<uint32_t>(item.ID));
         if (!s) continue;
-        if (item.Ramp != 2) ++number;
-        const std::string name = SettingsPath(s->FileName);
+        const int number = numbers[k];
+        const std::string name = MultiSpecFileName(s->FileName);
         std::fprintf(f, "Filename %d.%d=%s\n", number, item.Ramp, name.c_str());
         std::fprintf(f, "Selected %d.%d=%d\n", number, item.Ramp, item.Selected);
         std::fprintf(f, "Colour %d.%d=%u\n", number, item.Ramp, item.Colour);
@@ -549,7 +588,7 @@ int CMultiSpecDisp::LoadMultiSpecData(const char* path)
     for (const auto& [key, item] : files) {
         const ImageHeaderType* s = nullptr;
         for (const ImageHeaderType* q = FirstItem; q && !s; q = q->Next)
-            if (IsSpectrumItem(q) && SettingsPath(q->FileName) == SettingsPath(item.path.c_str()) && !item.path.empty()) s = q;
+            if (IsSpectrumItem(q) && MultiSpecFileName(q->FileName) == MultiSpecFileName(item.path.c_str()) && !item.path.empty()) s = q;
         if (!s) continue;
         MultiSpecParam_ItemType o{};
         o.ID = static_cast<int32_t>(s->DataId);
