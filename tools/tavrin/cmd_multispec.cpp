@@ -1,7 +1,7 @@
 // tavrin multispec A.spc B.spc ... [--primary N] [--shift I:X,Y] [--gain I:X,Y] -o OUT.png
-//   [--load S.txt] [--save S.txt]: the spectra overlaid in one plot, each with its shift and
-//   gain; the arrangement loaded from a settings file, and saved to one (after the load when
-//   both are given).
+//   [--load S.txt] [--save S.txt] [--export E.txt]: the spectra overlaid in one plot, each with
+//   its shift and gain; the arrangement loaded from a settings file, and saved to one (after the
+//   load when both are given); the marker values and the crossings of each curve exported.
 #include "command_line.h"
 #include "items.h"
 #include "picture.h"
@@ -32,7 +32,7 @@ void ApplyPair(CMultiSpecDisp& disp, const std::string& text, const char* option
 
 int MultiSpec(const Args& args)
 {
-    CommandLine line = ParseCommandLine(args, {"-o", "--primary", "--shift", "--gain", "--save", "--load"}, {}, 1, 64);
+    CommandLine line = ParseCommandLine(args, {"-o", "--primary", "--shift", "--gain", "--save", "--load", "--export"}, {}, 1, 64);
     const std::string out = line.Value("-o");
     if (out.size() < 5 || out.compare(out.size() - 4, 4, ".png") != 0) throw UsageError("multispec needs -o OUT.png");
     const int primary = line.Number("--primary", 1, static_cast<int>(line.words.size()), 1);
@@ -60,6 +60,10 @@ int MultiSpec(const Args& args)
     if (!WriteCurrentPicture(out)) return 1;
     if (!line.Value("--save").empty() && !disp.SaveMultiSpecData(line.Value("--save").c_str())) {
         std::fprintf(stderr, "tavrin multispec: '%s' could not be saved\n", line.Value("--save").c_str());
+        return 1;
+    }
+    if (!line.Value("--export").empty() && !disp.ExportMultiSpecData(line.Value("--export").c_str())) {
+        std::fprintf(stderr, "tavrin multispec: '%s' could not be written\n", line.Value("--export").c_str());
         return 1;
     }
     std::printf("%s\n", out.c_str());

@@ -31,6 +31,7 @@ int CommandMap(const Args& args);
 int CommandSpecFit(const Args& args);
 int CommandSpecFFT(const Args& args);
 int CommandMultiSpec(const Args& args);
+int CommandAttached(const Args& args);
 
 // The script's forms of the kernel table entry points: the kernel as a text "v1,v2,...".
 void ScriptGet3x3KernelParam(int16_t index, char* text);

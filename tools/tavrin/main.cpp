@@ -29,6 +29,7 @@ const std::map<std::string, Command>& CommandTable()
         {"specfit", {CommandSpecFit}},
         {"specfft", {CommandSpecFFT}},
         {"multispec", {CommandMultiSpec}},
+        {"attached", {CommandAttached}},
         {"lut", {CommandLut}},
         {"histogram", {CommandHistogram}},
         {"math", {CommandMath}},
@@ -127,10 +128,12 @@ void PrintUsage(FILE* out)
         "                          the magnitude spectrum under window 1 none, 2 cosine, 3\n"
         "                          Parzen, 4 Hamming, 5 cosine arch (points a power of two)\n"
         "  multispec A.spc B.spc ... -o OUT.png [--primary N] [--shift I:X,Y]\n"
-        "        [--gain I:X,Y] [--load S.txt] [--save S.txt]\n"
+        "        [--gain I:X,Y] [--load S.txt] [--save S.txt] [--export E.txt]\n"
         "                          the spectra overlaid, each with its shift and gain (items\n"
         "                          from 1, a two-way spectrum two); the arrangement saved or\n"
-        "                          loaded as a settings file\n"
+        "                          loaded as a settings file, the marker values exported\n"
+        "  attached IN -o OUT.png  the image with the places of its attached spectra, the first\n"
+        "                          of them plotted\n"
         "  lut IN OUT --contrast B,C,G | --threshold LO,HI [--transform] | --equalise\n"
         "        | --linearise | --op NAME[:K]\n"
         "                          one command on the image's level table, the result saved as\n"
