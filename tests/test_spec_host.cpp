@@ -264,3 +264,24 @@ TEST_F(SpecHostTest, ScriptsReachTheSpectrumToolsAndTheMultiSpectraMethods)
     EXPECT_NE(saved.find("Axes y=-3.000000 4.500000 0.100000\n"), std::string::npos) << saved;
     EXPECT_NE(saved.find("Shifts and gains 1.0=0.500000 0.000000 1.000000 2.000000\n"), std::string::npos) << saved;
 }
+
+TEST_F(SpecHostTest, SpecZoomResamplesIntoTheBoxAndTableWritesTheText)
+{
+    Save(SineSpectrum(64, "sine"), "sine.spc");
+    ASSERT_EQ(Run("spec sine.spc zoom.spc --zoom 10,40"), 0) << ReadFileBytes(Path("stderr.txt"));
+    ImageHeaderType* zoomed = Load("zoom.spc");
+    ASSERT_NE(zoomed, nullptr);
+    ASSERT_EQ(zoomed->nx, 64);
+    const float* x = reinterpret_cast<const float*>(zoomed->PixData) + zoomed->nx;
+    EXPECT_EQ(x[0], 10.0f);
+    EXPECT_EQ(x[63], 40.0f);
+    // A box wholly outside the X range.
+    EXPECT_EQ(Run("spec sine.spc none.spc --zoom 100,200"), 1);
+    EXPECT_NE(ReadFileBytes(Path("stderr.txt")).find("Invalid data entry"), std::string::npos)
+        << ReadFileBytes(Path("stderr.txt"));
+    ASSERT_EQ(Run("spec sine.spc table.txt --table --delimiter 1"), 0) << ReadFileBytes(Path("stderr.txt"));
+    const std::string table = ReadFileBytes(Path("table.txt"));
+    EXPECT_EQ(table.rfind("No.,X,Y\n1,0.000000E+00,0.000000E+00\n2,1.000000E+00,", 0), 0u) << table.substr(0, 80);
+    ASSERT_EQ(Run("spec sine.spc bare.txt --table --no-header --delimiter 0"), 0);
+    EXPECT_EQ(ReadFileBytes(Path("bare.txt")).rfind("1 0.000000E+00 0.000000E+00\n", 0), 0u);
+}
