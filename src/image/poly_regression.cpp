@@ -66,24 +66,31 @@ int PolyRegression(const double* x, const double* y, int n, int degree, double* 
         return 1;
     }
 
-    // The normal matrix and the right side, one point at a time: the columns of a point are
-    // its powers, each the last times x.
-    double a[kMaxTerms][kMaxTerms] = {};
+    // The normal matrix and the right side, one point at a time. The columns of a point are its
+    // powers, each the last times x; entry (j, k) of the normal matrix is the sum of the powers
+    // j + k, so the 2 * degree + 1 sums of powers make the whole matrix.
+    double power[2 * kMaxTerms - 1] = {};
     double b[kMaxTerms] = {};
     double sy = 0.0, syy = 0.0;
+    const int top = 2 * degree;
     for (int i = 0; i < n; ++i) {
-        double p[kMaxTerms];
-        p[0] = 1.0;
-        for (int j = 1; j < m; ++j) p[j] = p[j - 1] * x[i];
-        for (int j = 0; j < m; ++j) {
-            for (int k = j; k < m; ++k) a[j][k] += p[j] * p[k];
-            b[j] += p[j] * y[i];
+        const double xi = x[i], yi = y[i];
+        double p = 1.0;
+        for (int k = 0; k < m; ++k) {
+            power[k] += p;
+            b[k] += p * yi;
+            p *= xi;
         }
-        sy += y[i];
-        syy += y[i] * y[i];
+        for (int k = m; k <= top; ++k) {
+            power[k] += p;
+            p *= xi;
+        }
+        sy += yi;
+        syy += yi * yi;
     }
+    double a[kMaxTerms][kMaxTerms];
     for (int j = 0; j < m; ++j)
-        for (int k = 0; k < j; ++k) a[j][k] = a[k][j];
+        for (int k = 0; k < m; ++k) a[j][k] = power[j + k];
 
     double inverse[kMaxTerms][kMaxTerms];
     const double smallest = InvertAndSolve(a, inverse, b, m);
