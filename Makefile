@@ -79,6 +79,7 @@ bench:
 	@for b in $(BENCH_BUILD)/bin/bench_*; do echo "== $$b"; $$b; done
 	@echo "== scipy.ndimage on the input of bench_filters"; /usr/bin/python3 bench/filters_scipy.py
 	@echo "== numpy lstsq on the input of bench_fit"; /usr/bin/python3 bench/fit_numpy.py
+	@echo "== numpy lstsq beside bench_poly_regression"; /usr/bin/python3 bench/poly_regression_numpy.py
 	@echo "== scipy.ndimage.label on the input of bench_particles"; /usr/bin/python3 bench/particles_scipy.py
 
 # Each fuzz target runs FUZZ_SECONDS on its corpus, JOBS at a time; new inputs go to the

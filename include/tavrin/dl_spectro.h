@@ -57,4 +57,22 @@ TAVRIN_API void dl_RemoveDCBias(void);
 /* Splits a ramp that goes out and back at its turning point into two spectra. */
 TAVRIN_API void dl_SeparateRampDirections(void);
 
+/* The tools on the spectrum plot; each needs a current spectrum ("No spectra in memory").
+ * Polynomial fit: asks for degrees (1 to 19) until Cancel, each fit drawn over the plot with
+ * its standard deviation, correlation and coefficients; no item is made. */
+TAVRIN_API void dl_FitPoly2Spec(void);
+/* Zoom: the user draws a box over the plot; the points inside (at least 16) become a new
+ * spectrum of the same length. */
+TAVRIN_API void dl_ZoomSpec(void);
+/* The measuring cursor over the plot; a non-zero flag offers the switch of plot. */
+TAVRIN_API void dl_SpecMeasure(uint8_t flag);
+/* Opens a frame store for a group plot. */
+TAVRIN_API void dl_GroupSpecPlot(void);
+/* The magnitude spectrum under window 1 none, 2 cosine taper, 3 Parzen, 4 Hamming, 5 cosine
+ * arch; the number of points must be a power of two of at least 4. No item is made. */
+TAVRIN_API void dl_ShowSpecFFT(uint16_t window);
+/* The current image with the places of its attached spectra, and the first of them plotted;
+ * nothing for an item without attached spectra. */
+TAVRIN_API void dl_ShowSPSSpectrum(void);
+
 #endif

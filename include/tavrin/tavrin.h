@@ -22,6 +22,7 @@
 #include "tavrin/dl_selection.h"
 #include "tavrin/dl_plot.h"
 #include "tavrin/dl_spectro.h"
+#include "tavrin/dl_multispec.h"
 #include "tavrin/dl_contrast.h"
 #include "tavrin/dl_image_math.h"
 #include "tavrin/dl_fft.h"

@@ -2,6 +2,8 @@
 #include "tavrin/dl_spectro.h"
 #include "host/trace.h"
 #include "spectro/spectro.h"
+#include "spectro/spec_tools.h"
+#include "spectro/sps_ref_view.h"
 
 TAVRIN_API void dl_SmoothSpec(void)
 {
@@ -67,4 +69,40 @@ TAVRIN_API void dl_SeparateRampDirections(void)
 {
     TraceEntry("dl_SeparateRampDirections");
     SeparateRampDirections();
+}
+
+TAVRIN_API void dl_FitPoly2Spec(void)
+{
+    TraceEntry("dl_FitPoly2Spec");
+    FitPoly2Spec();
+}
+
+TAVRIN_API void dl_ZoomSpec(void)
+{
+    TraceEntry("dl_ZoomSpec");
+    ZoomSpec();
+}
+
+TAVRIN_API void dl_SpecMeasure(uint8_t flag)
+{
+    TraceEntry("dl_SpecMeasure: %d", flag);
+    SpecMeasure(flag);
+}
+
+TAVRIN_API void dl_GroupSpecPlot(void)
+{
+    TraceEntry("dl_GroupSpecPlot");
+    GroupSpecPlot();
+}
+
+TAVRIN_API void dl_ShowSpecFFT(uint16_t window)
+{
+    TraceEntry("dl_ShowSpecFFT: %d", window);
+    ShowSpecFFT(window);
+}
+
+TAVRIN_API void dl_ShowSPSSpectrum(void)
+{
+    TraceEntry("dl_ShowSPSSpectrum");
+    ShowSPSSpectrum();
 }

@@ -8,6 +8,7 @@
 #include "host/text.h"
 #include "host/wait.h"
 #include "platform/clock.h"
+#include "spectro/spectro.h"
 #include "store/data_list.h"
 #include "store/image_header.h"
 #include "store/memory.h"
@@ -69,19 +70,21 @@ bool WriteLine(FileHandle file, const char* line)
     return FileWrite(file, line, length) == static_cast<long long>(length);
 }
 
-bool WriteTable(FileHandle file, const ImageHeaderType* record)
+// The table of a spectrum: the heading "No.", X, Y unless `heading` is 0, then the number
+// from 1, X and the calibrated Y of each point, lines ended by `eol`.
+bool WriteTable(FileHandle file, const ImageHeaderType* record, int separator, int heading, const char* eol)
 {
-    const char sep = ExportSeparatorCharacter(g_export.separator);
+    const char sep = ExportSeparatorCharacter(separator);
     char line[128];
-    if (!g_export.noHeading) {
-        std::snprintf(line, sizeof line, "No.%cX%cY\r\n", sep, sep);
+    if (heading) {
+        std::snprintf(line, sizeof line, "No.%cX%cY%s", sep, sep, eol);
         if (!WriteLine(file, line)) return false;
     }
     const float* y = SpecY(record);
     const float* x = SpecX(record);
     for (int i = 0; i < record->nx; ++i) {
         const double value = ImageDataValue2Calibrated(record, y[i], 0);
-        std::snprintf(line, sizeof line, "%d%c%E%c%E\r\n", i + 1, sep, static_cast<double>(x[i]), sep, value);
+        std::snprintf(line, sizeof line, "%d%c%E%c%E%s", i + 1, sep, static_cast<double>(x[i]), sep, value, eol);
         if (!WriteLine(file, line)) return false;
     }
     return true;
@@ -244,9 +247,28 @@ int SaveSpecData(const ImageHeaderType* record, const char* path)
         Error(ERR_OPEN_FILE);
         return 1;
     }
-    const bool written = WriteTable(file, record);
+    const bool written = WriteTable(file, record, g_export.separator, !g_export.noHeading, "\r\n");
     if (!written) Error(ERR_WRITING);
     return FinishSave(&save, written, ERR_WRITING) ? 0 : 1;
+}
+
+int WriteSpectrumText(const ImageHeaderType* item, const char* path, int delimiter, int header)
+{
+    if (!item || !item->PixData || item->nx <= 0 || !path) {
+        ProgramError("WriteSpectrumText");
+        return ERR_PROGRAM;
+    }
+    FileReplace save;
+    const FileHandle file = FileReplaceBegin(&save, path);
+    if (file == kInvalidFile) {
+        Error(ERR_OPEN_FILE);
+        return ERR_OPEN_FILE;
+    }
+    const bool written = WriteTable(file, item, delimiter, header, "\n");
+    if (!FinishSave(&save, written, ERR_WRITING)) return ERR_WRITING;
+    char title[48];
+    Log("Write '%s' data.\n", ItemTitle(item, title));
+    return 0;
 }
 
 char ExportSeparatorCharacter(int separator)

@@ -43,6 +43,12 @@ int SaveSpecFile(ImageHeaderType* record, const char* path);
 // (33280 not a spectrum, 32776 the file cannot be made, 32779 a failed write).
 int SaveSpecData(const ImageHeaderType* record, const char* path);
 
+// The text table of a spectrum: delimiter 0 blank, 1 comma, 2 tab (as the ".dat" export); the
+// line "No.", X, Y unless `header` is 0; each point "%d%c%E%c%E" with its number from 1, X and
+// the calibrated Y; lines end in a newline. Logs "Write '%s' data.\n". Answers 0, or the error
+// number after its report: 32776 when the file cannot be made, 32779 a failed write.
+int WriteSpectrumText(const ImageHeaderType* item, const char* path, int delimiter, int header);
+
 // The export settings of the ".dat" table.
 struct SpecExportParam {
     int noHeading;   // non-zero: no heading line; default 0 (the heading is written)

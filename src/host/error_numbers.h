@@ -34,6 +34,7 @@ enum ErrorNumber : uint16_t {
     ERR_ONE_3D_VIEW = 32830,
     ERR_NO_MEMORY_THRESHOLD = 32831,       // "Not enough memory for Threshold Data"
     ERR_NO_SPECTRA = 33280,                // "No spectra in memory"
+    ERR_SPEC_NOT_POWER_OF_2 = 33283,       // "Number of points in spectrum must be a power of 2"
     ERR_SPECTRA_LIMIT = 33284,             // "Exceeded maximum number of allowed spectra"
     ERR_RAMP_ONE_DIRECTION = 33289,        // "Spectroscopy ramp is one direction only"
     ERR_NO_IMAGES = 33536,                 // "No images in memory"

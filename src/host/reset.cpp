@@ -1,6 +1,7 @@
 #include "host/reset.h"
 #include "files/tiff_read.h"
 #include "files/file_state.h"
+#include "analysis/multispec.h"
 #include "display/colour_startup.h"
 #include "display/render.h"
 #include "display/scroll_bars.h"
@@ -30,6 +31,7 @@
 #include "platform/settings_store.h"
 #include "settings/cantilever.h"
 #include "spectro/spectro.h"
+#include "spectro/spec_tools.h"
 #include "store/data_list.h"
 #include "store/memory.h"
 
@@ -71,4 +73,6 @@ void ResetProcessState()
     ResetColourState();
     ResetImageDisplayState();
     ResetSpectroState();
+    ResetSpecToolsState();
+    ResetMultiSpecState();
 }

@@ -25,7 +25,8 @@ float Bias(const float* x, const float* y, int n)
     return static_cast<float>(sum / n);
 }
 
-// The last index of the first direction of the ramp, 0 when there is no turn.
+} // namespace
+
 int TurningPoint(const float* x, int n)
 {
     if (n < 3) return 0;
@@ -34,6 +35,8 @@ int TurningPoint(const float* x, int n)
         if (!((x[i] - x[i - 1]) * s > 0)) return i - 1;
     return 0;
 }
+
+namespace {
 
 // One part of a spectrum: a new item behind `after` with the points from..from + count - 1 of
 // `source`. Null after a report.

@@ -50,6 +50,9 @@ int32_t SavitzkyGolayFirstDivisor(int m);
 int DifferentiateData(int order, int normalise, int N, int n, const float* x, const float* y, float* outX,
                       float* outY);
 
+// The last index of the first direction of a ramp of n X values, 0 when there is no turn.
+int TurningPoint(const float* x, int n);
+
 // The commands.
 void SmoothSpectrum(int points);
 void MedianSpectrum(int points);

@@ -61,7 +61,14 @@ void SetPalette(const uint16_t* r, const uint16_t* g, const uint16_t* b)
     std::memcpy(Session().palette[2], b, sizeof Session().palette[2]);
 }
 
-void OpenPlotWindow(uint16_t, uint16_t, const char*) {}
+// The window of a plot tool (fit, measure, multi-spectra): frame store 9 of this host, with the
+// client size asked for (the plot and the strip of its text on the right); it becomes current.
+constexpr int16_t kPlotToolFrameStore = 9;
+void OpenPlotWindow(uint16_t width, uint16_t height, const char*)
+{
+    CloseHostFrameStore(kPlotToolFrameStore);
+    OpenHostFrameStore(kPlotToolFrameStore, width, height);
+}
 // The graph window (the background tool's second store): frame store 2 of this host, opened
 // by the library's request and closed by it; the store that was current stays current.
 constexpr int16_t kGraphFrameStore = 2;

@@ -1,14 +1,24 @@
 // tavrin spec IN OUT (--smooth N | --median N | --diff MODE[,N] | --math-x OP[,C] | --math-y
-// OP[,C] | --dc | --split | --with B --op N): one command on the spectrum of IN, the result
-// saved as OUT (.spc, .dat, or .png for its plot).
+// OP[,C] | --dc | --split | --with B --op N | --zoom X1,X2[,Y1,Y2]): one command on the spectrum
+// of IN, the result saved as OUT (.spc, .dat, or .png for its plot).
+// tavrin spec IN OUT.txt --table [--delimiter D] [--no-header]: the text table of the spectrum.
 #include "command_line.h"
 #include "items.h"
 #include "session.h"
 
+#include "files/spectrum_files.h"
+#include "spectro/spec_tools.h"
+
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <sstream>
+#include <vector>
 
 namespace {
+
+// The Y range of a zoom box given without one.
+constexpr double kWholeRange = 1e30;
 
 // "A[,B]": a whole number and an optional text behind the comma.
 std::pair<int, std::string> NumberAndRest(const std::string& text, const char* option, int lo, int hi)
@@ -52,14 +62,46 @@ void SpecMath(void (*entry)(uint16_t), const std::string& text, const char* opti
     entry(static_cast<uint16_t>(op));
 }
 
+// "X1,X2[,Y1,Y2]": the zoom box; without Y the whole range.
+std::vector<double> ZoomBox(const std::string& text)
+{
+    std::vector<double> v;
+    std::stringstream in(text);
+    std::string part;
+    while (std::getline(in, part, ',')) {
+        char* end = nullptr;
+        const double d = std::strtod(part.c_str(), &end);
+        if (part.empty() || *end || !std::isfinite(d)) throw UsageError("--zoom takes X1,X2[,Y1,Y2]: '" + text + "'");
+        v.push_back(d);
+    }
+    if (v.size() == 2) v.insert(v.end(), {-kWholeRange, kWholeRange});
+    if (v.size() != 4) throw UsageError("--zoom takes X1,X2[,Y1,Y2]: '" + text + "'");
+    return v;
+}
+
+// The text table of the spectrum.
+int Table(const CommandLine& line)
+{
+    const int delimiter = line.Value("--delimiter").empty() ? 2 : WholeNumber(line.Value("--delimiter"), "--delimiter", 0, 2);
+    const ImageHeaderType* source = OpenSpectrumForCommand("spec", line.words[0]);
+    if (!source) return 1;
+    if (WriteSpectrumText(source, line.words[1].c_str(), delimiter, line.Has("--no-header") ? 0 : 1) != 0) return 1;
+    std::printf("%s\n", line.words[1].c_str());
+    return 0;
+}
+
 int Spec(const Args& args)
 {
-    const std::set<std::string> valued = {"--smooth", "--median", "--diff", "--math-x", "--math-y", "--with", "--op"};
-    CommandLine line = ParseCommandLine(args, valued, {"--dc", "--split"}, 2, 2);
+    const std::set<std::string> valued = {"--smooth", "--median", "--diff", "--math-x", "--math-y", "--with", "--op",
+                                          "--zoom", "--delimiter"};
+    CommandLine line = ParseCommandLine(args, valued, {"--dc", "--split", "--table", "--no-header"}, 2, 2);
     const std::string& out = line.words[1];
-    int given = line.Has("--dc") + line.Has("--split") + !line.Value("--with").empty();
-    for (const char* o : {"--smooth", "--median", "--diff", "--math-x", "--math-y"}) given += !line.Value(o).empty();
-    if (given != 1) throw UsageError("spec needs one of --smooth, --median, --diff, --math-x, --math-y, --dc, --split, --with");
+    int given = line.Has("--dc") + line.Has("--split") + line.Has("--table") + !line.Value("--with").empty();
+    for (const char* o : {"--smooth", "--median", "--diff", "--math-x", "--math-y", "--zoom"}) given += !line.Value(o).empty();
+    if (given != 1)
+        throw UsageError("spec needs one of --smooth, --median, --diff, --math-x, --math-y, --dc, --split, --with, --zoom, "
+                         "--table");
+    if (line.Has("--table")) return Table(line);
     if (line.Value("--with").empty() != line.Value("--op").empty()) throw UsageError("--with B and --op N go together");
     const wint_SaveFileType type = SaveTypeFor(out, false);
     const bool png = IsImageResultPath(out) && type != TV_SAVE_TIFF_16;
@@ -89,6 +131,9 @@ int Spec(const Args& args)
         dl_RemoveDCBias();
     } else if (line.Has("--split")) {
         dl_SeparateRampDirections();
+    } else if (!line.Value("--zoom").empty()) {
+        const std::vector<double> box = ZoomBox(line.Value("--zoom"));
+        if (!ZoomSpectrum(const_cast<ImageHeaderType*>(source), box[0], box[1], box[2], box[3])) return 1;
     } else {
         const int op = WholeNumber(line.Value("--op"), "--op", 1, 6);
         const ImageHeaderType* second = OpenSpectrumForCommand("spec", line.Value("--with"));

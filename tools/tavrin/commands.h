@@ -37,6 +37,10 @@ int32_t ScriptMeasureInitialise(int32_t spectroscopy);
 int32_t ScriptMeasureAdd(int32_t type, const char* points, int32_t seedX, int32_t seedY);
 void ScriptMeasureDisplay();
 int32_t ScriptMeasureExport(const char* path);
+int CommandSpecFit(const Args& args);
+int CommandSpecFFT(const Args& args);
+int CommandMultiSpec(const Args& args);
+int CommandAttached(const Args& args);
 
 // The script's forms of the kernel table entry points: the kernel as a text "v1,v2,...".
 void ScriptGet3x3KernelParam(int16_t index, char* text);

@@ -26,6 +26,10 @@ const std::map<std::string, Command>& CommandTable()
         {"level", {CommandLevel}},
         {"plot", {CommandPlot}},
         {"spec", {CommandSpec}},
+        {"specfit", {CommandSpecFit}},
+        {"specfft", {CommandSpecFFT}},
+        {"multispec", {CommandMultiSpec}},
+        {"attached", {CommandAttached}},
         {"lut", {CommandLut}},
         {"histogram", {CommandHistogram}},
         {"math", {CommandMath}},
@@ -116,6 +120,22 @@ void PrintUsage(FILE* out)
         "                          multiply, 3 divide by C, 4 ln, 5 negate, 6 abs, 7 1/v, 8\n"
         "                          sort; --with: 1 add, 2 subtract, 3 |a-b|, 4 product, 5\n"
         "                          divide, 6 average\n"
+        "  spec IN OUT --zoom X1,X2[,Y1,Y2] | --table [--delimiter D] [--no-header]\n"
+        "                          the points inside a box (at least 16) as a new spectrum;\n"
+        "                          the text table of the spectrum (D 0 blank, 1 comma, 2 tab)\n"
+        "  specfit IN --degree N [--json]\n"
+        "                          the polynomial of degree 1 to 19 with the error of each\n"
+        "                          coefficient, the standard deviation and the correlation\n"
+        "  specfft IN --window W [-o OUT.png] [--csv]\n"
+        "                          the magnitude spectrum under window 1 none, 2 cosine, 3\n"
+        "                          Parzen, 4 Hamming, 5 cosine arch (points a power of two)\n"
+        "  multispec A.spc B.spc ... -o OUT.png [--primary N] [--shift I:X,Y]\n"
+        "        [--gain I:X,Y] [--load S.txt] [--save S.txt] [--export E.txt]\n"
+        "                          the spectra overlaid, each with its shift and gain (items\n"
+        "                          from 1, a two-way spectrum two); the arrangement saved or\n"
+        "                          loaded as a settings file, the marker values exported\n"
+        "  attached IN -o OUT.png  the image with the places of its attached spectra, the first\n"
+        "                          of them plotted\n"
         "  lut IN OUT --contrast B,C,G | --threshold LO,HI [--transform] | --equalise\n"
         "        | --linearise | --op NAME[:K]\n"
         "                          one command on the image's level table, the result saved as\n"

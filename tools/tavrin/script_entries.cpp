@@ -6,6 +6,7 @@
 #include "commands.h"
 #include "record_fields.h"
 #include "script_call.h"
+#include "script_multispec.h"
 
 namespace {
 
@@ -187,6 +188,31 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_DoubleSpecMath),
         TAVRIN_ENTRY(dl_RemoveDCBias),
         TAVRIN_ENTRY(dl_SeparateRampDirections),
+        // spectrum tools and the attached spectra of an image
+        TAVRIN_ENTRY(dl_FitPoly2Spec),
+        TAVRIN_ENTRY(dl_ZoomSpec),
+        TAVRIN_ENTRY(dl_SpecMeasure),
+        TAVRIN_ENTRY(dl_GroupSpecPlot),
+        TAVRIN_ENTRY(dl_ShowSpecFFT),
+        TAVRIN_ENTRY(dl_ShowSPSSpectrum),
+        // multi-spectra: the one object, and its methods with items numbered from 0
+        TAVRIN_ENTRY(dl_GetMultiSpecDisp),
+        MakeEntry("MultiSpecInitialise", ScriptMultiSpecInitialise),
+        MakeEntry("MultiSpecFinish", ScriptMultiSpecFinish),
+        MakeEntry("MultiSpecGetParam", ScriptMultiSpecGetParam),
+        MakeEntry("MultiSpecSetParamAndPlot", ScriptMultiSpecSetParamAndPlot),
+        MakeEntry("MultiSpecGetItem", ScriptMultiSpecGetItem),
+        MakeEntry("MultiSpecSetItem", ScriptMultiSpecSetItem),
+        MakeEntry("MultiSpecSelectedForDisplay", ScriptMultiSpecSelectedForDisplay),
+        MakeEntry("MultiSpecConvertX", ScriptMultiSpecConvertX),
+        MakeEntry("MultiSpecConvertY", ScriptMultiSpecConvertY),
+        MakeEntry("MultiSpecGetLowestID", ScriptMultiSpecGetLowestID),
+        MakeEntry("MultiSpecGetHighestID", ScriptMultiSpecGetHighestID),
+        MakeEntry("MultiSpecMultiPlot", ScriptMultiSpecMultiPlot),
+        MakeEntry("MultiSpecUpdateLineMarkerData", ScriptMultiSpecUpdateLineMarkerData),
+        MakeEntry("MultiSpecSave", ScriptMultiSpecSave),
+        MakeEntry("MultiSpecLoad", ScriptMultiSpecLoad),
+        MakeEntry("MultiSpecExport", ScriptMultiSpecExport),
         // frequency domain; mask circles come through pick like every selection
         TAVRIN_ENTRY(dl_ForwardFFT),
         TAVRIN_ENTRY(dl_InverseFFT),
