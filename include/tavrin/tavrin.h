@@ -27,5 +27,6 @@
 #include "tavrin/dl_fft.h"
 #include "tavrin/dl_particles.h"
 #include "tavrin/dl_mapping.h"
+#include "tavrin/dl_mesh.h"
 
 #endif

@@ -18,11 +18,14 @@ namespace {
 
 constexpr int kVirtualKeyShift = 0x10;
 
-// Rotation (1) and translation (7) of images; the FFT mask circles to pass (16) and to stop
-// (25) stay open for the next circle until the right button.
+// Rotation (1) and translation (7) of images, the rectangle of an extract (9) and the cell of a
+// lattice average (15); the FFT mask circles to pass (16) and to stop (25) stay open for the
+// next circle until the right button.
 const SelectTypeRow kSelectTypes[] = {
     {1, 3, 5, SelectionEnd::Handler},
     {7, 2, 1, SelectionEnd::Handler},
+    {9, 2, 2, SelectionEnd::Handler},
+    {15, 3, 4, SelectionEnd::Handler},
     {16, 2, 6, SelectionEnd::UntilRightButton},
     {25, 2, 6, SelectionEnd::UntilRightButton},
 };
