@@ -28,6 +28,9 @@ int CommandNormalise(const Args& args);
 int CommandFft(const Args& args);
 int CommandParticles(const Args& args);
 int CommandMap(const Args& args);
+int CommandRegion(const Args& args);
+int CommandReplace(const Args& args);
+int CommandLattice(const Args& args);
 
 // The script's forms of the kernel table entry points: the kernel as a text "v1,v2,...".
 void ScriptGet3x3KernelParam(int16_t index, char* text);

@@ -44,3 +44,6 @@ template <> const RecordFields* FieldsOf<wint_FFTWinParamType>();
 template <> const RecordFields* FieldsOf<wint_ParticleParamType>();
 template <> const RecordFields* FieldsOf<wint_ParticleSttsParamType>();
 template <> const RecordFields* FieldsOf<wint_LMCantileverImageParamType>();
+// the mesh
+template <> const RecordFields* FieldsOf<MeshInfoType>();
+template <> const RecordFields* FieldsOf<wint_MeshParamType>();

@@ -229,6 +229,12 @@ const std::vector<ScriptEntry>& ScriptEntries()
         ScriptEntry{"GetCITSCurrentImageVoltages", ScriptGetCITSCurrentImageVoltages},
         TAVRIN_ENTRY(dl_GetLMCantileverParam),
         TAVRIN_ENTRY(dl_SetLMCantileverParam),
+        // the mesh tool, extract and replace, lattice average; the mesh's dialog through "mesh"
+        TAVRIN_ENTRY(dl_GetMeshClass),
+        TAVRIN_ENTRY(dl_ApMeshInfo),
+        TAVRIN_ENTRY(dl_ExtractArea),
+        TAVRIN_ENTRY(dl_ReplaceArea),
+        TAVRIN_ENTRY(dl_LatticeAverage),
     };
     return entries;
 }
