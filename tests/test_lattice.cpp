@@ -359,3 +359,34 @@ TEST_F(LatticeTest, FailedAllocationsLeaveTheListAsItWas)
         EXPECT_EQ(LiveBlockCount(), blocks);
     }
 }
+
+TEST_F(LatticeTest, TheUpperLimitOfIIsExcludedLikeThatOfJ)
+{
+    // Origin (-40, 0), B = (-32, 0), C = (-40, 8): det = -256; i over the corners 0, -2, -10,
+    // -12 runs from -22 to 10 and j from -10 to 18, each upper limit excluded. Cells inside:
+    // i = 5 to 9 (10 and 11 would fit but lie at or beyond the limit) and j = 0 to 6.
+    AddImage(64, 64, [](int x, int y) { return static_cast<uint16_t>(100 + x + 64 * y); });
+    const LatticeRange range = MakeLatticeRange({-32, 0}, {-40, 8}, 64, 64);
+    EXPECT_EQ(range.det, -256);
+    EXPECT_EQ(range.iLow, -22);
+    EXPECT_EQ(range.iHigh, 10);
+    SetPoints({-40, 0}, {-32, 0}, {-40, 8});
+    host.messageBoxAnswers.push_back(TV_IDNO);
+    EXPECT_EQ(LatticeAverage(1), 0);
+    EXPECT_EQ(LastLatticeResult().cells, 5 * 7);
+}
+
+TEST_F(LatticeTest, RepeatSkipsRowsAndColumnsOfNegativeIndex)
+{
+    // Origin (4, 4) on a lattice of period 8: the corner pixels 0 to 3 are reached only by the
+    // cell at (-4, -4), whose rows and columns before the image are left out.
+    auto f = [](int x, int y) { return static_cast<uint16_t>(500 + 40 * (x % 8) + 400 * (y % 8)); };
+    AddImage(32, 32, f);
+    SetPoints({4, 4}, {12, 4}, {4, 12});
+    host.messageBoxAnswers.push_back(TV_IDYES);
+    EXPECT_EQ(LatticeAverage(1), 0);
+    ImageHeaderType* result = CurrentItem;
+    const int64_t low = 500, high = 500 + 40 * 7 + 400 * 7;
+    for (int y = 0; y < 32; ++y)
+        for (int x = 0; x < 32; ++x) ASSERT_EQ(At(result, x, y), Stretched(f(x, y), low, high)) << x << " " << y;
+}
