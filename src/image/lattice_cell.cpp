@@ -42,9 +42,12 @@ void FillSpanTable(const LatticeCell& cell, SpanRow* table)
         for (int e = 0; e < 4; ++e) {
             const RegionPoint p = corner[e], q = corner[(e + 1) % 4];
             if (p.y == q.y || r < std::min(p.y, q.y) || r > std::max(p.y, q.y)) continue;
-            crossing[n++] = p.x + static_cast<int64_t>(r - p.y) * (q.x - p.x) / (q.y - p.y);
+            // Kept in ascending order as they come (at most four).
+            int64_t x = p.x + static_cast<int64_t>(r - p.y) * (q.x - p.x) / (q.y - p.y);
+            int k = n++;
+            for (; k > 0 && crossing[k - 1] > x; --k) crossing[k] = crossing[k - 1];
+            crossing[k] = x;
         }
-        std::sort(crossing, crossing + n);
         for (int k = 0; k < n; ++k) table[r][k] = static_cast<int16_t>(crossing[k]);
     }
 }
