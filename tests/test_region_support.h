@@ -62,5 +62,30 @@ protected:
         }
         return answer;
     }
+    // Runs `command` with the n-th allocation failing for n = 0, 1, ... until it succeeds;
+    // each failure must report a memory error and leave the list, the current item and the
+    // live blocks as they were. Answers the number of failures seen.
+    template <class Command>
+    int FailEachAllocation(Command command)
+    {
+        ImageHeaderType* const current = CurrentItem;
+        const int items = CountItems();
+        const size_t blocks = LiveBlockCount();
+        for (int skip = 0; skip < 32; ++skip) {
+            host.messageBoxes.clear();
+            FailAllocationsForTests(1, skip);
+            command();
+            FailAllocationsForTests(0);
+            if (CountItems() != items) return skip;
+            EXPECT_FALSE(host.messageBoxes.empty()) << skip;
+            if (!host.messageBoxes.empty()) {
+                EXPECT_NE(host.messageBoxes.back().text.find("Not enough memory"), std::string::npos) << skip;
+            }
+            EXPECT_EQ(CurrentItem, current) << skip;
+            EXPECT_EQ(LiveBlockCount(), blocks) << skip;
+        }
+        ADD_FAILURE() << "the command never succeeded";
+        return -1;
+    }
     TestFrameStore fs;
 };

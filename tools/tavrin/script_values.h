@@ -130,7 +130,10 @@ struct Arg<char (*)[N]> {
     void After(std::vector<std::string>& out)
     {
         std::string text;
-        for (size_t i = 0; i < 16 && buffer[i * N]; ++i) text += (i ? "|" : "") + std::string(&buffer[i * N], strnlen(&buffer[i * N], N));
+        for (size_t i = 0; i < 16 && buffer[i * N]; ++i) {
+            if (i) text += '|';
+            text.append(&buffer[i * N], strnlen(&buffer[i * N], N));
+        }
         out.push_back(text);
     }
 };
