@@ -148,6 +148,13 @@ void DrawCellOutline(const OutlineView& v, const LatticeCell& cell, int64_t ox, 
         FrameLine(v.FrameX(xs[k]), v.FrameY(ys[k]), v.FrameX(xs[(k + 1) % 4]), v.FrameY(ys[(k + 1) % 4]));
 }
 
+// One row of a cell added into its accumulator row, columns first to last. The limits are
+// values of their own and the rows cannot overlap, so the loop runs over whole vectors.
+inline void AddSpan(const uint16_t* __restrict in, uint32_t* __restrict sum, int first, int last)
+{
+    for (int c = first; c <= last; ++c) sum[c] += in[c];
+}
+
 // The cells wholly inside the image added into the accumulator; Escape ends the loop.
 int64_t AddCells(const ImageHeaderType* source, const LatticeCell& cell, const LatticeRange& range,
                  const CellSpans& spans, const WorkAreas& work)
@@ -166,11 +173,7 @@ int64_t AddCells(const ImageHeaderType* source, const LatticeCell& cell, const L
             const int64_t ox = baseX + i * cell.a.x, oy = baseY + i * cell.a.y;
             DrawCellOutline(view, cell, ox, oy);
             const uint16_t* corner = source->PixData + static_cast<size_t>(oy + cell.minY) * w + (ox + cell.minX);
-            for (int r = 0; r < cell.height; ++r) {
-                const uint16_t* in = corner + static_cast<size_t>(r) * w;
-                uint32_t* sum = work.Row(r);
-                for (int c = spans.first[r]; c <= spans.last[r]; ++c) sum[c] += in[c];
-            }
+            for (int r = 0; r < cell.height; ++r) AddSpan(corner + static_cast<size_t>(r) * w, work.Row(r), spans.first[r], spans.last[r]);
             ++cells;
         }
     }
@@ -231,6 +234,12 @@ void ShowCell(const LatticeCell& cell, const WorkAreas& work, const ImageHeaderT
     EndRowDisplay();
 }
 
+// `count` codes of the averaged cell into a row of the result.
+inline void PutSpan(const uint32_t* __restrict code, uint16_t* __restrict out, int count)
+{
+    for (int c = 0; c < count; ++c) out[c] = static_cast<uint16_t>(code[c]);
+}
+
 // The averaged cell repeated over the result from the same lattice origins. The box offset is
 // not added, so the repeat stands shifted by (minX, minY) against the averaged cells; rows and
 // columns that fall before the image are left out like those beyond it.
@@ -250,14 +259,12 @@ void RepeatCell(ImageHeaderType* result, const LatticeCell& cell, const LatticeR
                 const int64_t y = oy + r;
                 if (y < 0) continue;
                 if (y >= h) break;
-                const uint32_t* code = work.Row(r);
-                uint16_t* out = result->PixData + static_cast<size_t>(y) * w;
-                for (int c = spans.first[r]; c <= spans.last[r]; ++c) {
-                    const int64_t x = ox + c;
-                    if (x < 0) continue;
-                    if (x >= w) break;
-                    out[x] = static_cast<uint16_t>(code[c]);
-                }
+                // The columns of the span that land inside the row.
+                const int64_t from = std::max<int64_t>(spans.first[r], -ox);
+                const int64_t to = std::min<int64_t>(spans.last[r], w - 1 - ox);
+                if (to < from) continue;
+                PutSpan(work.Row(r) + from, result->PixData + static_cast<size_t>(y) * w + (ox + from),
+                        static_cast<int>(to - from + 1));
             }
         }
     }
