@@ -321,6 +321,31 @@ TEST_F(RegionTest, TrimWithoutAnImageReports33536)
     EXPECT_TRUE(ErrorShown("No images in memory"));
 }
 
+TEST_F(RegionTest, TrimKeepsThePartOfTheParallelogramInsideTheImage)
+{
+    // A = (-5, 10), B = (20, 10), C = (-5, 30): the row spans start at -5 and are clipped to
+    // the row, so columns 0 to 20 of rows 10 to 30 are kept and the rows outside stay 0.
+    AddCoded(64, 64);
+    ImageHeaderType* result = TrimImage({-5, 10}, {20, 10}, {-5, 30});
+    ASSERT_NE(result, nullptr);
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 64; ++x) {
+            const bool inside = x <= 20 && y >= 10 && y <= 30;
+            ASSERT_EQ(At(result, x, y), inside ? Code(x, y) : 0) << x << " " << y;
+        }
+    // Wholly beyond the last column: every span is clipped to an empty one.
+    result = TrimImage({70, 10}, {90, 10}, {70, 30});
+    ASSERT_NE(result, nullptr);
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 64; ++x) ASSERT_EQ(At(result, x, y), 0) << x << " " << y;
+}
+
+TEST_F(RegionTest, TrimWithAFailedAllocationLeavesTheListAsItWas)
+{
+    AddCoded(64, 64);
+    EXPECT_GE(FailEachAllocation([] { TrimImage({10, 10}, {30, 20}, {10, 40}); }), 1);
+}
+
 // Extract and replace.
 
 TEST_F(RegionTest, ExtractAreaThroughTheSelectionKeepsTheRectangle)
