@@ -151,6 +151,29 @@ TEST_F(RegionTest, DriftOfAnUprightRectangleCopiesItAndSetsTheSizes)
     EXPECT_EQ(source->Next, result);
 }
 
+TEST_F(RegionTest, DriftOnAOneColumnImageTakesItsPixelStepAsOne)
+{
+    // A source of one column has no step between columns (nx - 1 = 0): the pixel size is taken
+    // as the whole width, so the sizes stay finite. Only the first column of the area lies on
+    // the source; it is copied, the rest is 0.
+    ImageHeaderType* source = AddCoded(1, 64, "Column");
+    source->ImageSizeX = 2.0f;
+    source->ImageSizeY = 63.0f;
+    const DriftFrame f = MakeDriftFrame({0, 0}, {10, 0}, {10, 20});
+    ASSERT_EQ(f.width, 10);
+    ASSERT_EQ(f.height, 20);
+    std::vector<uint16_t> out(10 * 20);
+    DriftResample(source, f, out.data());
+    for (int j = 0; j < 20; ++j) {
+        EXPECT_EQ(out[static_cast<size_t>(j) * 10], Code(0, j)) << j;
+        for (int i = 1; i < 10; ++i) ASSERT_EQ(out[static_cast<size_t>(j) * 10 + i], 0) << i << " " << j;
+    }
+    ImageHeaderType* result = DriftCorrect({0, 0}, {10, 0}, {10, 20});
+    ASSERT_NE(result, nullptr);
+    EXPECT_FLOAT_EQ(result->ImageSizeX, 20.0f);   // 10 steps of 2 nm
+    EXPECT_FLOAT_EQ(result->ImageSizeY, 20.0f);   // 20 steps of 1 nm
+}
+
 TEST_F(RegionTest, DriftParallelogramGivenFromEitherEndGivesIdenticalPixels)
 {
     AddCoded(256, 256);
