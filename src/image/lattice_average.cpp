@@ -49,7 +49,10 @@ struct WorkAreas {
         efree(spans);
         efree(sums);
     }
-    uint32_t* Row(int r) const { return sums + static_cast<size_t>(r) * kLatticeRows; }
+    // The rows of the accumulator lie one box width apart: a cell's rows then sit side by side
+    // instead of a power of two apart, where they would all fall into one set of the cache.
+    int stride = kLatticeRows;
+    uint32_t* Row(int r) const { return sums + static_cast<size_t>(r) * static_cast<size_t>(stride); }
 };
 
 // The columns of each row of the box that belong to the cell; last < first where none do.
@@ -169,13 +172,19 @@ int64_t AddCells(const ImageHeaderType* source, const LatticeCell& cell, const L
         int64_t low = range.iLow, high = range.iHigh;
         ClipIndexRun(baseX, cell.a.x, -cell.minX, w - 1 - cell.maxX, &low, &high);
         ClipIndexRun(baseY, cell.a.y, -cell.minY, h - 1 - cell.maxY, &low, &high);
-        for (int64_t i = low; i < high; ++i) {
-            const int64_t ox = baseX + i * cell.a.x, oy = baseY + i * cell.a.y;
-            DrawCellOutline(view, cell, ox, oy);
-            const uint16_t* corner = source->PixData + static_cast<size_t>(oy + cell.minY) * w + (ox + cell.minX);
-            for (int r = 0; r < cell.height; ++r) AddSpan(corner + static_cast<size_t>(r) * w, work.Row(r), spans.first[r], spans.last[r]);
-            ++cells;
+        if (high <= low) continue;
+        if (view.on)
+            for (int64_t i = low; i < high; ++i) DrawCellOutline(view, cell, baseX + i * cell.a.x, baseY + i * cell.a.y);
+        // Row by row of the cell over the whole run of cells: one accumulator row at a time,
+        // the image rows read along the run. The sums are those of cell after cell.
+        const uint16_t* first = source->PixData + (baseY + low * cell.a.y + cell.minY) * w + (baseX + low * cell.a.x + cell.minX);
+        const int64_t step = static_cast<int64_t>(cell.a.y) * w + cell.a.x;
+        for (int r = 0; r < cell.height; ++r) {
+            if (spans.last[r] < spans.first[r]) continue;
+            const uint16_t* in = first + static_cast<int64_t>(r) * w;
+            for (int64_t i = low; i < high; ++i, in += step) AddSpan(in, work.Row(r), spans.first[r], spans.last[r]);
         }
+        cells += high - low;
     }
     if (view.on) EndBatchAndShow(FSState.ImageLeft, FSState.ImageTop, FSState.ImageRight, FSState.ImageBottom);
     return cells;
@@ -227,7 +236,8 @@ void ShowCell(const LatticeCell& cell, const WorkAreas& work, const ImageHeaderT
     uint16_t line[512];
     BeginRowDisplay(n, n, look);
     for (int r = 0; r < n; ++r) {
-        for (int c = 0; c < n; ++c) line[c] = r < cell.height ? static_cast<uint16_t>(work.Row(r)[c]) : 0;
+        for (int c = 0; c < n; ++c)
+            line[c] = r < cell.height && c < cell.width ? static_cast<uint16_t>(work.Row(r)[c]) : 0;
         ShowDisplayRow(r, line);
     }
     FinishRowDisplay(n, n);
@@ -321,6 +331,7 @@ int LatticeAverage(int status)
         FreeResultItem(result);
         return 1;
     }
+    work.stride = cell.width;
     FillSpanTable(cell, work.spans);
     static CellSpans spans;
     ReadSpans(work.spans, cell.height, &spans);
