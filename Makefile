@@ -81,6 +81,7 @@ bench:
 	@echo "== numpy lstsq on the input of bench_fit"; /usr/bin/python3 bench/fit_numpy.py
 	@echo "== numpy lstsq beside bench_poly_regression"; /usr/bin/python3 bench/poly_regression_numpy.py
 	@echo "== scipy.ndimage.label on the input of bench_particles"; /usr/bin/python3 bench/particles_scipy.py
+	@echo "== scipy.ndimage.map_coordinates on the input of bench_regions"; /usr/bin/python3 bench/drift_scipy.py
 
 # Each fuzz target runs FUZZ_SECONDS on its corpus, JOBS at a time; new inputs go to the
 # build tree, never into the committed corpus. Any crash stops with its status.

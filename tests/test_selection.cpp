@@ -225,9 +225,9 @@ TEST_F(SelectionTest, LeftWithShiftHeldCountsAsTheMiddleButton)
 TEST_F(SelectionTest, ATypeWithoutARowIsReportedWhenItsSelectionEnds)
 {
     Shown(128);
-    ASSERT_EQ(SelectImagePoints(9, 1, xs, ys, 2, 0, 0, 0, 0, 0, 0, 2, RecordingHandler), 0);
-    EXPECT_NE(dl_SelectPointInVFS_Callback(9, 3, 3, TV_PICK_LEFT, 0), 0);
-    EXPECT_TRUE(LogHasProgramError("SelectPointInVFS_Callback (9)"));
+    ASSERT_EQ(SelectImagePoints(10, 1, xs, ys, 2, 0, 0, 0, 0, 0, 0, 2, RecordingHandler), 0);
+    EXPECT_NE(dl_SelectPointInVFS_Callback(10, 3, 3, TV_PICK_LEFT, 0), 0);
+    EXPECT_TRUE(LogHasProgramError("SelectPointInVFS_Callback (10)"));
     EXPECT_EQ(g_handlerCalls, 0);
     EXPECT_FALSE(SelectionActive());
 }

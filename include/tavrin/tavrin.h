@@ -29,5 +29,6 @@
 #include "tavrin/dl_particles.h"
 #include "tavrin/dl_mapping.h"
 #include "tavrin/dl_measure.h"
+#include "tavrin/dl_mesh.h"
 
 #endif

@@ -18,15 +18,18 @@ namespace {
 
 constexpr int kVirtualKeyShift = 0x10;
 
-// Rotation (1) and translation (7) of images; the measuring cursor of a plot (13) takes every
-// event; the zoom box of a plot (14); the FFT mask circles to pass (16) and to stop (25) stay
-// open for the next circle until the right button; the pointer of the paged mapping browser
-// (20) goes straight to its handler.
+// Rotation (1) and translation (7) of images, the rectangle of an extract (9), the measuring
+// cursor of a plot (13) that takes every event, the zoom box of a plot (14) and the cell of a
+// lattice average (15); the FFT mask circles to pass (16) and to stop (25) stay open for the
+// next circle until the right button; the pointer of the paged mapping browser (20) goes
+// straight to its handler.
 const SelectTypeRow kSelectTypes[] = {
     {1, 3, 5, SelectionEnd::Handler},
     {7, 2, 1, SelectionEnd::Handler},
+    {9, 2, 2, SelectionEnd::Handler},
     {13, 0, 0, SelectionEnd::Direct},
     {14, 2, 2, SelectionEnd::Handler},
+    {15, 3, 4, SelectionEnd::Handler},
     {16, 2, 6, SelectionEnd::UntilRightButton},
     {20, 0, 0, SelectionEnd::Direct},
     {25, 2, 6, SelectionEnd::UntilRightButton},

@@ -25,6 +25,9 @@
 #include "host/wait.h"
 #include "platform/clock.h"
 #include "platform/files.h"
+#include "analysis/mesh.h"
+#include "image/lattice.h"
+#include "image/regions.h"
 #include "platform/locale.h"
 #include "platform/platform_table.h"
 #include "platform/safe_replace.h"
@@ -38,6 +41,9 @@
 void ResetProcessState()
 {
     ResetGeometryState();
+    ResetRegionState();
+    ResetLatticeState();
+    ResetMeshState();
     ResetContrastState();
     ResetSubtBackState();
     ResetFFTState();

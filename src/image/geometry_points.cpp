@@ -30,13 +30,6 @@ constexpr int kSelectTranslate = 7;
 // The source of the held rotation: the current item when the command began.
 ImageHeaderType* RotateHeldSource = nullptr;
 
-// The picture must be on the screen before the user points into it: it is shown unless it is
-// already there as a plain image.
-void ShowForPointing(ImageHeaderType* image)
-{
-    if (!FSState.DisplayBusy || Display.FullDisplayOn) DisplayImage(image, 0, 1);
-}
-
 void DropHeldRotation()
 {
     if (RotateHeldItem && IsInList(RotateHeldItem)) FreeResultItem(RotateHeldItem);
@@ -93,7 +86,7 @@ void RotateImageA()
     ImageCommand check;
     ImageHeaderType* source = CheckImageCommand(check);
     if (!source) return;
-    ShowForPointing(source);
+    ShowImageForPointing(source);
     DropHeldRotation();
     RotateHeldItem = DuplicateForResult(source);
     if (!RotateHeldItem) return;
@@ -153,7 +146,7 @@ void ImageTranslate()
     ImageCommand check;
     ImageHeaderType* source = CheckImageCommand(check);
     if (!source) return;
-    ShowForPointing(source);
+    ShowImageForPointing(source);
     SelectImagePoints(kSelectTranslate, 2, TranslatePointsX, TranslatePointsY, 1, 0, 0, 0, 0, 0, 0, 1,
                       ImageTranslate_Continue);
 }

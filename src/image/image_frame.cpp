@@ -1,5 +1,7 @@
 #include "image/image_frame.h"
+#include "display/display_param.h"
 #include "display/placement.h"
+#include "display/vfs.h"
 #include "host/errors.h"
 #include "host/log.h"
 #include "host/text.h"
@@ -79,6 +81,11 @@ void FinishImageCommand(const ImageCommand& command, ImageHeaderType* result, co
     else
         ShowParameterText(result);
     if (command.wait) HideWait();
+}
+
+void ShowImageForPointing(ImageHeaderType* image)
+{
+    if (!FSState.DisplayBusy || Display.FullDisplayOn) DisplayImage(image, 0, 1);
 }
 
 const char* CommandLogText(const char* format, ...)

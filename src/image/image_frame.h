@@ -50,6 +50,9 @@ ImageHeaderType* MakeCommandResult(const ImageCommand& command, ImageHeaderType*
 void BeginCommandRows(const ImageCommand& command, const ImageHeaderType* source, const ImageHeaderType* result);
 // Steps 8 and 9 with the log text already formatted (null: the command logged earlier).
 void FinishImageCommand(const ImageCommand& command, ImageHeaderType* result, const char* logText);
+// The picture must be on the screen before the user points into it: it is shown unless it is
+// already there as a plain image.
+void ShowImageForPointing(ImageHeaderType* image);
 // The log text of a command: `format` with the result's title as its first argument.
 const char* CommandLogText(const char* format, ...) __attribute__((format(printf, 1, 2)));
 

@@ -41,6 +41,9 @@ int CommandSpecFit(const Args& args);
 int CommandSpecFFT(const Args& args);
 int CommandMultiSpec(const Args& args);
 int CommandAttached(const Args& args);
+int CommandRegion(const Args& args);
+int CommandReplace(const Args& args);
+int CommandLattice(const Args& args);
 
 // The script's forms of the kernel table entry points: the kernel as a text "v1,v2,...".
 void ScriptGet3x3KernelParam(int16_t index, char* text);

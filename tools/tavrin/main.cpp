@@ -39,6 +39,9 @@ const std::map<std::string, Command>& CommandTable()
         {"particles", {CommandParticles}},
         {"map", {CommandMap}},
         {"measure", {CommandMeasure}},
+        {"region", {CommandRegion}},
+        {"replace", {CommandReplace}},
+        {"lattice", {CommandLattice}},
     };
     return table;
 }
@@ -86,6 +89,20 @@ void PrintUsage(FILE* out)
         "                          the two other points (image pixels)\n"
         "  geom IN OUT --translate X0,Y0,X1,Y1\n"
         "                          shift by the vector from the first point to the second\n"
+        "  region IN OUT --magnify X1,Y1,X2,Y2 | --drift P0 P1 P2 | --trim P0 P1 P2\n"
+        "        | --extract X1,Y1,X2,Y2\n"
+        "                          a region of the image through the mesh tool, the result\n"
+        "                          saved as OUT (.tif, or .png for its picture): the rectangle\n"
+        "                          magnified, the parallelogram of corner P0 and neighbours P1,\n"
+        "                          P2 (X,Y each) straightened or trimmed, or a rectangle\n"
+        "                          extracted\n"
+        "  replace EXTRACT TARGET OUT\n"
+        "                          the rectangle of an extract put back into TARGET\n"
+        "  lattice IN OUT --origin X,Y --a X,Y --b X,Y [--no-repeat] [--cell CELL.png] [--json]\n"
+        "                          the average over the lattice of cell vectors a - origin and\n"
+        "                          b - origin, repeated over the image into OUT (with\n"
+        "                          --no-repeat OUT.png is the averaged cell); --json prints the\n"
+        "                          cell box, the number of cells and the extremes of the sums\n"
         "  level IN OUT --method NAME [--degree X,Y] [--order N] [--threshold LO,HI]\n"
         "        [--region AX,AY,BX,BY,CX,CY] [--points X1,Y1,X2,Y2,X3,Y3] [--slope SX,SY]\n"
         "        [--preview PNG] [--background PNG]\n"

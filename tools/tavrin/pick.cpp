@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 PickMode& CurrentPickMode()
 {
@@ -68,4 +69,21 @@ bool ParsePoint(const std::string& text, std::pair<int, int>* point)
     if (x < -32768 || x > 32767 || y < -32768 || y > 32767) return false;
     *point = {static_cast<int>(x), static_cast<int>(y)};
     return true;
+}
+
+void RunMeshTool(int purpose, const std::vector<std::pair<int, int>>& points, bool cancelled)
+{
+    CMesh* mesh = dl_GetMeshClass(purpose);
+    wint_MeshParamType param{};
+    mesh->MeshInitialise(&param);
+    int16_t xy[3][2] = {};
+    for (size_t i = 0; i < 3 && i < points.size(); ++i) {
+        xy[i][0] = static_cast<int16_t>(points[i].first);
+        xy[i][1] = static_cast<int16_t>(points[i].second);
+    }
+    std::memcpy(param.P0, xy[0], sizeof xy[0]);
+    std::memcpy(param.P1, xy[1], sizeof xy[1]);
+    std::memcpy(param.P2, xy[2], sizeof xy[2]);
+    mesh->CopyMeshParamFromDlg(&param);
+    mesh->MeshFinish(cancelled);
 }

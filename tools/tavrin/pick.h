@@ -16,6 +16,7 @@ struct PickMode {
     int type = 0;
     int cursor = 0;
     bool shiftHeld = false;   // for the platform's key state during one event
+    bool escapeHeld = false;  // Escape held during the next command of a script (key esc)
 };
 
 // The pick mode the library asked for last (kept by the callback).
@@ -29,6 +30,10 @@ bool PickImagePoints(const std::vector<std::pair<int, int>>& points);
 // "move", "left", "middle", "right" or "shift" (left with Shift held). Answers the library's
 // answer (non-zero: the selection ended); without a pick mode nothing is sent and -1 answered.
 int PickEvent(int x, int y, const std::string& button);
+
+// The mesh tool of that purpose on the current image: initialised, its corners P0, P1, P2
+// (image pixels) set as the host's dialog sets them, and finished (or cancelled).
+void RunMeshTool(int purpose, const std::vector<std::pair<int, int>>& points, bool cancelled);
 
 // "X,Y" (image pixels) into a point; false when the text is no such pair.
 bool ParsePoint(const std::string& text, std::pair<int, int>* point);

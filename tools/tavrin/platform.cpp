@@ -87,6 +87,7 @@ void DebugOutput(void*, const char* text)
 int16_t KeyState(void*, int32_t key)
 {
     constexpr int32_t kShift = 0x10;
+    if (key == TV_VK_ESCAPE) return CurrentPickMode().escapeHeld ? static_cast<int16_t>(0x8000) : 0;
     return key == kShift && CurrentPickMode().shiftHeld ? static_cast<int16_t>(0x8000) : 0;
 }
 

@@ -190,3 +190,16 @@ const RecordFields* FieldsOf<wint_CITSDispParamType>()
     static const RecordFields table = {"CITSDispParam", fields, sizeof fields / sizeof fields[0]};
     return &table;
 }
+
+// the mesh: the report and the parameters (points as P0X ... P2Y, the frame as FrameLeft ...)
+TABLE(MeshInfoType, "MeshInfo", F(Word), F(Orientation), F(Angle), F(CentreX), F(CentreY), F(SpacingX),
+      F(SpacingY), F(RightAngle), F(EqualSpacing))
+
+#define POINT(name, array, i) RecordField{name, offsetof(Record, array) + (i) * sizeof(int16_t), sizeof(int16_t), RecordField::I16}
+#define FRAME(name, side) RecordField{name, offsetof(Record, Frame) + offsetof(TvRect16, side), sizeof(int16_t), RecordField::I16}
+TABLE(wint_MeshParamType, "MeshParam", F(Purpose), F(Options), F(Colour), POINT("P0X", P0, 0), POINT("P0Y", P0, 1),
+      POINT("P1X", P1, 0), POINT("P1Y", P1, 1), POINT("P2X", P2, 0), POINT("P2Y", P2, 1), F(LockAngle), F(LockSize),
+      F(LockShape), F(LockPlace), F(PixelsX), F(PixelsY), F(SizeX), F(SizeY), FRAME("FrameLeft", left),
+      FRAME("FrameTop", top), FRAME("FrameRight", right), FRAME("FrameBottom", bottom))
+#undef POINT
+#undef FRAME

@@ -45,3 +45,6 @@ template <> const RecordFields* FieldsOf<wint_ParticleParamType>();
 template <> const RecordFields* FieldsOf<wint_ParticleSttsParamType>();
 template <> const RecordFields* FieldsOf<wint_LMCantileverImageParamType>();
 template <> const RecordFields* FieldsOf<wint_CITSDispParamType>();
+// the mesh
+template <> const RecordFields* FieldsOf<MeshInfoType>();
+template <> const RecordFields* FieldsOf<wint_MeshParamType>();

@@ -1,5 +1,6 @@
 #include "script.h"
 #include "pick.h"
+#include "record_fields.h"
 #include "item_info.h"
 #include "picture.h"
 #include "script_call.h"
@@ -82,7 +83,7 @@ const std::vector<std::string>& ScriptHostCommands()
     static const std::vector<std::string> commands = {"answer", "render", "info", "entries", "Error", "Log2Disk",
                                                       "OutputDebugString", "SaveWindow", "VFS_open_vfs",
                                                       "VFS_close_vfs", "VFS_set_current_vfs", "pick", "slider",
-                                                      "text"};
+                                                      "text", "mesh", "meshinfo", "key"};
     return commands;
 }
 
@@ -155,6 +156,41 @@ bool RunScriptHostCommand(const std::vector<std::string>& words, const bool* quo
         else if (words.size() == 5) answer = dl_Horz_Scroll_Bar2_Callback(id, state, v[0], v[1]);
         else answer = dl_Horz_Scroll_Bar3_Callback(id, state, v[0], v[1], v[2]);
         std::fprintf(out, "slider = %d\n", answer);
+        return true;
+    }
+    if (name == "mesh") {
+        // mesh PURPOSE X0,Y0 X1,Y1 X2,Y2 [cancel]: the mesh tool finished with these corners.
+        if (words.size() != 5 && !(words.size() == 6 && words[5] == "cancel"))
+            throw ScriptError("mesh takes PURPOSE X0,Y0 X1,Y1 X2,Y2 [cancel]");
+        std::vector<std::pair<int, int>> points;
+        for (size_t i = 2; i < 5; ++i) {
+            std::pair<int, int> p;
+            if (!ParsePoint(words[i], &p)) throw ScriptError("mesh takes points X,Y: '" + words[i] + "'");
+            points.push_back(p);
+        }
+        RunMeshTool(static_cast<int>(ParseNumber(words[1])), points, words.size() == 6);
+        std::fprintf(out, "mesh: %s\n", words.size() == 6 ? "cancelled" : "finished");
+        return true;
+    }
+    if (name == "meshinfo") {
+        // meshinfo FIELD=VALUE ...: a report of the mesh on the current frame store, printed
+        // as the library corrected it.
+        MeshInfoType info{};
+        ScriptWords fields;
+        for (size_t i = 1; i < words.size(); ++i) {
+            const size_t eq = words[i].find('=');
+            if (eq == std::string::npos || eq == 0) throw ScriptError("meshinfo takes FIELD=VALUE words: '" + words[i] + "'");
+            fields.fields.emplace_back(words[i].substr(0, eq), words[i].substr(eq + 1));
+        }
+        ApplyFields(&info, sizeof info, FieldsOf<MeshInfoType>(), fields);
+        dl_ApMeshInfo(&info, Session().currentFrameStore);
+        std::fprintf(out, "meshinfo %s\n", RecordText(&info, sizeof info, FieldsOf<MeshInfoType>()).c_str());
+        return true;
+    }
+    if (name == "key") {
+        // key esc: Escape is held down during the next line's command.
+        if (words.size() != 2 || words[1] != "esc") throw ScriptError("key takes esc");
+        CurrentPickMode().escapeHeld = true;
         return true;
     }
     if (name == "info") {
@@ -248,6 +284,15 @@ int RunScript(const std::string& text, const std::string& sourceName, FILE* out)
                 if (!quoted[i]) SubstituteReturn(words[i], lastReturn);
             // "dl_" may lead an entry point's name.
             const std::string name = words[0].rfind("dl_", 0) == 0 ? words[0].substr(3) : words[0];
+            // A key held with "key" is let go after the next line.
+            const bool keyLine = name == "key";
+            struct KeyRelease {
+                bool keep;
+                ~KeyRelease()
+                {
+                    if (!keep) CurrentPickMode().escapeHeld = false;
+                }
+            } release{keyLine};
             if (RunScriptHostCommand(words, quoted, out)) continue;
             const ScriptEntry* found = FindScriptEntry(name);
             if (!found) throw ScriptError("unknown command '" + words[0] + "'");

@@ -276,6 +276,12 @@ const std::vector<ScriptEntry>& ScriptEntries()
         MakeEntry("Measure.Add", ScriptMeasureAdd),
         MakeEntry("Measure.Display", ScriptMeasureDisplay),
         MakeEntry("Measure.Export", ScriptMeasureExport),
+        // the mesh tool, extract and replace, lattice average; the mesh's dialog through "mesh"
+        TAVRIN_ENTRY(dl_GetMeshClass),
+        TAVRIN_ENTRY(dl_ApMeshInfo),
+        TAVRIN_ENTRY(dl_ExtractArea),
+        TAVRIN_ENTRY(dl_ReplaceArea),
+        TAVRIN_ENTRY(dl_LatticeAverage),
     };
     return entries;
 }
