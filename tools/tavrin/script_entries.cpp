@@ -282,6 +282,9 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_ExtractArea),
         TAVRIN_ENTRY(dl_ReplaceArea),
         TAVRIN_ENTRY(dl_LatticeAverage),
+        // elastic modulus
+        TAVRIN_ENTRY(dl_GetElasticModulusParam),
+        TAVRIN_ENTRY(dl_SetElasticModulusParam),
     };
     return entries;
 }
