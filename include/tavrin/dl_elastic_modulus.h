@@ -52,6 +52,20 @@ static_assert(offsetof(wint_ElasticModulusType, Apply1Status) == 304, "Apply1Sta
 static_assert(offsetof(wint_ElasticModulusType, Apply2Status) == 308, "Apply2Status");
 #endif
 
+/* Lets the user pick the reference force curve (the data picker, type 64); writes "%d) %s"
+ * (its number and title, at most 80 bytes) into text and takes the largest X of the curve as
+ * RampLimit. Clears all stages. The number, or -1 when none was picked. */
+TAVRIN_API int32_t dl_ElasticModulus_SelectFC(char* text);
+/* Clears all stages and computes both sensitivities from the reference curve: 0, or 1 after
+ * "Elastic Modulus: slope not found on Out->In" (or "on In->Out"). */
+TAVRIN_API int32_t dl_ElasticModulus_Calculate(void);
+/* The three stages; -1 without the earlier ones, else 0 on success (the stage is then done),
+ * 1 after a report, 2 when the user cancelled. Apply 3 makes the modulus image, current. */
+TAVRIN_API int32_t dl_ElasticModulus_Apply1(void);
+TAVRIN_API int32_t dl_ElasticModulus_Apply2(void);
+TAVRIN_API int32_t dl_ElasticModulus_Apply3(void);
+/* Frees the curves of the stages and clears the point table and Apply 1 to 3. */
+TAVRIN_API void dl_ElasticModulus_CloseDlg(void);
 /* Fills the status words and texts and copies the record out: 1, or 0 after "No images in
  * memory". */
 TAVRIN_API int32_t dl_GetElasticModulusParam(wint_ElasticModulusType* param);

@@ -85,15 +85,18 @@ bool SplitRamp(const float* x, const float* y, int n, int direction, double limi
 // under 10 points, 2 when it is under 10 points after its tail is cut; -1 when the ramp cannot
 // be split or the derivative fails.
 int CalculateSlope(const float* x, const float* y, int n, int direction, int smooth, double limit, double* slope);
-// The contact point of one ramp: from the largest derivative (which must be positive) back to
-// the last point before it where the derivative is negative; its X into *z. 0, or 1.
+// The contact point of one ramp, in the order of the curve: from the largest derivative dY/dX
+// (which must be positive) back to the last point before it where the derivative is negative,
+// if there is one before the first point; its X into *z. 0, or 1. On In->Out that is the
+// force minimum before the pull-off; on Out->In, whose walk back runs into the free part, the
+// snap-in itself.
 int CalculateContactPoint(const float* x, const float* y, int n, int direction, int smooth, double limit, float* z);
 
 // Apply 1 of one pixel whose curve (In->Out points, then Out->In, n and n1 set in the point) is
 // in x, y: the contact points, the free line, the force minimum, the conversion of y to
 // deflection and the crossing ZcIO; Valid1 set when all were found. 0, or 1 when the stored
 // curve cannot be split again (Apply 1 then ends).
-int ConvertPixelToDeflection(float* x, float* y, int ni, ElasticPointType* point);
+int ConvertPixelToDeflection(float* x, float* y, ElasticPointType* point);
 // Apply 2 of one pixel: the force-deformation curve of its In->Out ramp up to its contact point,
 // sorted by deformation, into the two arrays; d0, d1, F1 and Valid2.
 void DeformPixel(const float* x, const float* y, int n, ElasticPointType* point, float* deformation, float* force);

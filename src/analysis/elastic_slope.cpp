@@ -14,13 +14,15 @@ namespace {
 
 const char* DirectionName(int direction) { return direction == 0 ? "Out->In" : "In->Out"; }
 
-// One ramp with its X rising, and its first derivative over `smooth` points.
+// One ramp, with its X rising when `rising` is asked (else in the order of the curve), and its
+// first derivative dY/dX over `smooth` points.
 struct RisingRamp {
     std::vector<float> x, y, dx, dy;
 };
 
 // False when the ramp cannot be split or differentiated (or memory runs out, reported).
-bool PrepareRamp(const float* x, const float* y, int n, int direction, int smooth, double limit, RisingRamp* ramp)
+bool PrepareRamp(const float* x, const float* y, int n, int direction, int smooth, double limit, bool rising,
+                 RisingRamp* ramp)
 {
     int first = 0, count = 0;
     if (!SplitRamp(x, y, n, direction, limit, &first, &count)) return false;
@@ -33,7 +35,7 @@ bool PrepareRamp(const float* x, const float* y, int n, int direction, int smoot
         Error(ERR_NO_MEMORY);
         return false;
     }
-    if (count > 1 && ramp->x[static_cast<size_t>(count) - 1] < ramp->x[0]) {
+    if (rising && count > 1 && ramp->x[static_cast<size_t>(count) - 1] < ramp->x[0]) {
         for (int i = 0, j = count - 1; i < j; ++i, --j) {
             std::swap(ramp->x[static_cast<size_t>(i)], ramp->x[static_cast<size_t>(j)]);
             std::swap(ramp->y[static_cast<size_t>(i)], ramp->y[static_cast<size_t>(j)]);
@@ -55,7 +57,7 @@ double MeanOf(const std::vector<float>& v, int count)
 int CalculateSlope(const float* x, const float* y, int n, int direction, int smooth, double limit, double* slope)
 {
     RisingRamp ramp;
-    if (!PrepareRamp(x, y, n, direction, smooth, limit, &ramp)) return -1;
+    if (!PrepareRamp(x, y, n, direction, smooth, limit, true, &ramp)) return -1;
     const int count = static_cast<int>(ramp.dy.size());
     int i = count;
     for (int k = 0; k < count; ++k) {
@@ -92,7 +94,9 @@ int CalculateSlope(const float* x, const float* y, int n, int direction, int smo
 int CalculateContactPoint(const float* x, const float* y, int n, int direction, int smooth, double limit, float* z)
 {
     RisingRamp ramp;
-    if (!PrepareRamp(x, y, n, direction, smooth, limit, &ramp)) return 1;
+    // The ramp in its own order: on Out->In the walk back from the snap-in runs into the free
+    // part, whose derivative is 0, so the contact point stays at the snap-in itself.
+    if (!PrepareRamp(x, y, n, direction, smooth, limit, false, &ramp)) return 1;
     const int count = static_cast<int>(ramp.dy.size());
     int i = 0;
     for (int k = 1; k < count; ++k)
