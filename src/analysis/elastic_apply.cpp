@@ -173,6 +173,7 @@ int ElasticModulusApply1()
     if (!ResizePair(&s.XDeflec, &s.YDeflec, total)) return 1;
     s.cx = cx;
     s.cy = cy;
+    s.ni = ni;
     std::vector<float> curveX, curveY;
     try {
         curveX.resize(static_cast<size_t>(ni));
@@ -295,8 +296,7 @@ void ClearSecondHalf(ElasticPointType* point)
 int ElasticModulusApply2()
 {
     ElasticModulusState& s = ElasticModulus();
-    const CITSHeaderType* set = StageSet("Apply2");
-    if (!set) return 1;
+    if (!StageSet("Apply2")) return 1;
     const wint_ElasticModulusType& p = s.Param;
     if (!(p.SpringConstant > 0.0) || !(p.PoissonRatio > 0.0) || !(p.TipRadius > 0.0)) {
         ProgramError("Apply2: Invalid Spring Constant / Poisson Ratio / Tip Radius");
@@ -310,7 +310,8 @@ int ElasticModulusApply2()
         ProgramError("Apply2: calculations %d %d", s.CalcDone ? 1 : 0, s.Apply1Done ? 1 : 0);
         return 1;
     }
-    const int ni = set->ni;
+    // The curves keep the size of the set they were made from.
+    const int ni = s.ni;
     const size_t total = static_cast<size_t>(s.cx) * s.cy * ni;
     if (!ResizePair(&s.XForce, &s.YForce, total)) return 1;
     std::fill(s.XForce, s.XForce + total, 0.0f);

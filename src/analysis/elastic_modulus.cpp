@@ -66,7 +66,7 @@ void ResetElasticModulus()
     DefaultElasticModulusParam(&s.Param);
     s.CalcDone = s.Apply1Done = s.Apply2Done = s.Apply3Done = false;
     s.Minimum = s.Maximum = s.Average = 0.0f;
-    s.cx = s.cy = 0;
+    s.cx = s.cy = s.ni = 0;
     s.FCNumber = -1;
 }
 

@@ -51,7 +51,7 @@ struct ElasticModulusState {
     float* YForce = nullptr;
     float Minimum = 0.0f, Maximum = 0.0f, Average = 0.0f;
     bool CalcDone = false, Apply1Done = false, Apply2Done = false, Apply3Done = false;
-    int cx = 0, cy = 0;                  // size of the mapping behind the arrays and table
+    int cx = 0, cy = 0, ni = 0;          // size of the mapping behind the arrays and table
     wint_ElasticModulusType Param{};
     int32_t FCNumber = -1;               // data list number of the reference curve, -1 none
     uint32_t FCDataId = 0;               // DataId of that curve, to find it again
