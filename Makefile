@@ -95,7 +95,7 @@ fuzz:
 	  name=$$(basename {}); mkdir -p fuzz/corpus/$$name $(FUZZ_BUILD)/work/$$name; \
 	  if {} -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 \
 	       $(FUZZ_BUILD)/work/$$name fuzz/corpus/$$name > $(FUZZ_BUILD)/work/$$name.log 2>&1; \
-	  then echo "== $$name: $$(grep -o "#[0-9]*" $(FUZZ_BUILD)/work/$$name.log | tail -1 | tr -d "#") runs in $(FUZZ_SECONDS) s, no crash"; \
+	  then echo "== $$name: $$(grep -o "#[0-9][0-9]*" $(FUZZ_BUILD)/work/$$name.log | tail -1 | tr -d "#") runs in $(FUZZ_SECONDS) s, no crash"; \
 	  else tail -40 $(FUZZ_BUILD)/work/$$name.log; echo "== $$name FAILED"; exit 255; fi'
 
 # Line and branch coverage of the library's sources by the tests; HTML under build-coverage/.
