@@ -54,6 +54,8 @@ python: build
 
 # The optimised tree is built first: the optimiser's warnings are errors too,
 # and the demo of a fresh clone must build.
+# The test binary runs once in one process (a process per test under the sanitizers costs
+# more than the tests), then ctest replays the fuzz corpora.
 # The pytest suite runs twice: against the optimised package (where the resident size of the
 # memory test means something), and against the sanitised one, with AddressSanitizer loaded into
 # the interpreter, for every test but that one (the sanitizer's quarantine keeps freed blocks).
@@ -62,8 +64,8 @@ test: build python
 	cmake -S . -B $(TEST_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTAVRIN_TESTS=ON -DTAVRIN_SANITIZE=ON \
 	  -DTAVRIN_PYTHON=ON -DPython3_EXECUTABLE=$(PYTHON) >/dev/null
 	cmake --build $(TEST_BUILD) -j $(JOBS)
-	cd $(TEST_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-	  ctest -j $(JOBS) --output-on-failure --timeout 600
+	cd $(TEST_BUILD) && export ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 && \
+	  ./bin/tavrin_tests --gtest_brief=1 && ctest -j $(JOBS) -R _replay --output-on-failure --timeout 600
 	PYTHONPATH=$(BUILD)/python TAVRIN_HOST=$(BUILD)/bin/tavrin $(PYTHON) -m pytest -q -p no:cacheprovider python/tests
 	PYTHONPATH=$(TEST_BUILD)/python TAVRIN_HOST=$(TEST_BUILD)/bin/tavrin LD_PRELOAD="$(SANITIZER_PRELOAD)" \
 	  ASAN_OPTIONS=detect_leaks=0:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
@@ -93,7 +95,7 @@ fuzz:
 	  name=$$(basename {}); mkdir -p fuzz/corpus/$$name $(FUZZ_BUILD)/work/$$name; \
 	  if {} -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 \
 	       $(FUZZ_BUILD)/work/$$name fuzz/corpus/$$name > $(FUZZ_BUILD)/work/$$name.log 2>&1; \
-	  then echo "== $$name: $$(grep -o "#[0-9]*" $(FUZZ_BUILD)/work/$$name.log | tail -1 | tr -d "#") runs in $(FUZZ_SECONDS) s, no crash"; \
+	  then echo "== $$name: $$(grep -o "#[0-9][0-9]*" $(FUZZ_BUILD)/work/$$name.log | tail -1 | tr -d "#") runs in $(FUZZ_SECONDS) s, no crash"; \
 	  else tail -40 $(FUZZ_BUILD)/work/$$name.log; echo "== $$name FAILED"; exit 255; fi'
 
 # Line and branch coverage of the library's sources by the tests; HTML under build-coverage/.

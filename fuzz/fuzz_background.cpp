@@ -22,13 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     auto* bytes = reinterpret_cast<uint8_t*>(&record);
     for (size_t i = 0; i < sizeof record; ++i) bytes[i] = static_cast<uint8_t>(in.Byte());
 
-    ImageHeaderType* source = AllocateListItem(nullptr);
-    fuzzsupport::Check(source != nullptr, "source item");
-    InitImageHeader(source, nx, ny);
-    MemHandleType pair;
-    fuzzsupport::Check(AllocateMem(static_cast<size_t>(nx) * ny, 2, &pair), "source pixels");
-    source->PixHandle = pair.Handle;
-    source->PixData = static_cast<uint16_t*>(pair.Ptr);
+    ImageHeaderType* source = fuzzsupport::NewImageItem(nullptr, nx, ny);
     for (size_t i = 0; i < static_cast<size_t>(nx) * ny; ++i) source->PixData[i] = static_cast<uint16_t>(in.Word());
     CurrentItem = source;
     const std::vector<uint16_t> before(source->PixData, source->PixData + static_cast<size_t>(nx) * ny);

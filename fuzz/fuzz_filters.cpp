@@ -32,13 +32,7 @@ struct Reader {
 
 ImageHeaderType* MakeImage(int nx, int ny, Reader& in)
 {
-    ImageHeaderType* item = AllocateListItem(CurrentItem);
-    fuzzsupport::Check(item != nullptr, "list item");
-    InitImageHeader(item, nx, ny);
-    MemHandleType pair;
-    fuzzsupport::Check(AllocateMem(static_cast<size_t>(nx) * ny, 2, &pair) != 0, "pixels");
-    item->PixHandle = pair.Handle;
-    item->PixData = static_cast<uint16_t*>(pair.Ptr);
+    ImageHeaderType* item = fuzzsupport::NewImageItem(CurrentItem, nx, ny);
     for (int i = 0; i < nx * ny; ++i) item->PixData[i] = in.Next16();
     CurrentItem = item;
     return item;

@@ -32,13 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const int nx = 1 + static_cast<int>(in.Word() % 300), ny = 1 + static_cast<int>(in.Word() % 300);
     const unsigned baseByte = in.Byte();
     const int current = static_cast<int>(in.Byte()) - 2;
-    ImageHeaderType* source = AllocateListItem(nullptr);
-    Check(source != nullptr, "list item");
-    InitImageHeader(source, nx, ny);
-    MemHandleType pair;
-    Check(AllocateMem(static_cast<size_t>(nx) * ny, 2, &pair), "pixels");
-    source->PixHandle = pair.Handle;
-    source->PixData = static_cast<uint16_t*>(pair.Ptr);
+    ImageHeaderType* source = fuzzsupport::NewImageItem(nullptr, nx, ny);
     source->ImageSizeX = static_cast<float>(nx) * 2.0f;
     source->ImageSizeY = static_cast<float>(ny) * 3.0f;
     source->Zhi = 10.0f;

@@ -27,26 +27,6 @@ int16_t KeyState(void*, int32_t key)
 }
 int32_t MessageBox(void*, const char*, const char*, uint32_t) { return g_answer; }
 
-ImageHeaderType* MakeSource(int nx, int ny, Reader& in)
-{
-    ImageHeaderType* item = AllocateListItem(nullptr);
-    fuzzsupport::Check(item != nullptr, "source item");
-    InitImageHeader(item, nx, ny);
-    MemHandleType pair;
-    fuzzsupport::Check(AllocateMem(static_cast<size_t>(nx) * ny, 2, &pair), "source pixels");
-    item->PixHandle = pair.Handle;
-    item->PixData = static_cast<uint16_t*>(pair.Ptr);
-    const size_t from = in.at, left = in.size > from ? in.size - from : 0;
-    for (size_t i = 0; i < static_cast<size_t>(nx) * ny; ++i) {
-        const size_t k = left >= 2 ? (2 * i) % (left - left % 2) : 0;
-        item->PixData[i] = left >= 2 ? static_cast<uint16_t>(in.data[from + k] | (in.data[from + k + 1] << 8)) : 0x8000;
-    }
-    item->ImageSizeX = static_cast<float>(nx);
-    item->ImageSizeY = static_cast<float>(ny);
-    CurrentItem = item;
-    return item;
-}
-
 // After a command: the source first and untouched; every item behind it is read and erased.
 void CheckAndErase(ImageHeaderType* source, const std::vector<uint16_t>& before)
 {
@@ -91,7 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
     SetPlatformTable(&platform);
     const size_t blocks = LiveBlockCount();
-    ImageHeaderType* source = MakeSource(nx, ny, in);
+    ImageHeaderType* source = fuzzsupport::ImageOfTheRestOfTheInput(nx, ny, in);
     const std::vector<uint16_t> before(source->PixData, source->PixData + static_cast<size_t>(nx) * ny);
 
     // The mesh: its purpose from the input (any value), its corners, finished or cancelled.

@@ -57,13 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const unsigned low = in.Byte(), high = in.Byte();
     const int connectivity = in.Byte() & 1 ? 8 : 4;
     const unsigned density = in.Byte();
-    ImageHeaderType* source = AllocateListItem(nullptr);
-    Check(source != nullptr, "list item");
-    InitImageHeader(source, nx, ny);
-    MemHandleType pair;
-    Check(AllocateMem(static_cast<size_t>(nx) * ny, 2, &pair), "pixels");
-    source->PixHandle = pair.Handle;
-    source->PixData = static_cast<uint16_t*>(pair.Ptr);
+    ImageHeaderType* source = fuzzsupport::NewImageItem(nullptr, nx, ny);
     source->ImageSizeX = static_cast<float>(nx) * 2.0f;
     source->ImageSizeY = static_cast<float>(ny) * 3.0f;
     uint32_t state = density * 2654435761u + static_cast<uint32_t>(size);

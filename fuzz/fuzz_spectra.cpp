@@ -77,9 +77,7 @@ void Settle(ImageHeaderType* a, ImageHeaderType* b, const std::vector<uint32_t>&
         ImageHeaderType* next = p->Next;
         if (p != a && p != b) {
             fuzzsupport::Check(p->PixData != nullptr && p->nx > 0, "a result has samples");
-            volatile float sum = 0;
-            const float* s = reinterpret_cast<const float*>(p->PixData);
-            for (int i = 0; i < 2 * p->nx; ++i) sum = sum + s[i];
+            fuzzsupport::ReadEverySample(p);
             CurrentItem = p;
             EraseItem(p);
         }

@@ -76,6 +76,45 @@ inline void Check(bool condition, const char* what)
     }
 }
 
+// Reads every sample of a spectrum (nx pairs of f32), so that the sanitizer sees a block too
+// short for its header.
+inline void ReadEverySample(const ImageHeaderType* spectrum)
+{
+    volatile float sum = 0.0f;
+    const float* samples = reinterpret_cast<const float*>(spectrum->PixData);
+    for (int i = 0; i < 2 * spectrum->nx; ++i) sum = sum + samples[i];
+}
+
+// A new nx by ny image behind `after` in the data list, its pixels allocated and not yet
+// set; a failed allocation stops the run (the targets start with room to spare).
+inline ImageHeaderType* NewImageItem(ImageHeaderType* after, int nx, int ny)
+{
+    ImageHeaderType* item = AllocateListItem(after);
+    Check(item != nullptr, "list item");
+    InitImageHeader(item, nx, ny);
+    MemHandleType pair;
+    Check(AllocateMem(static_cast<size_t>(nx) * ny, 2, &pair) != 0, "pixels");
+    item->PixHandle = pair.Handle;
+    item->PixData = static_cast<uint16_t*>(pair.Ptr);
+    return item;
+}
+
+// The current item: an nx by ny image of nx by ny nm whose codes are the rest of the input,
+// repeated, or a flat 0x8000 when nothing is left.
+inline ImageHeaderType* ImageOfTheRestOfTheInput(int nx, int ny, Reader& in)
+{
+    ImageHeaderType* item = NewImageItem(nullptr, nx, ny);
+    const size_t from = in.at, left = in.size > from ? in.size - from : 0;
+    for (size_t i = 0; i < static_cast<size_t>(nx) * ny; ++i) {
+        const size_t k = left >= 2 ? (2 * i) % (left - left % 2) : 0;
+        item->PixData[i] = left >= 2 ? static_cast<uint16_t>(in.data[from + k] | (in.data[from + k + 1] << 8)) : 0x8000;
+    }
+    item->ImageSizeX = static_cast<float>(nx);
+    item->ImageSizeY = static_cast<float>(ny);
+    CurrentItem = item;
+    return item;
+}
+
 // An n by n image in the data list with varied codes.
 inline ImageHeaderType* SeedImage(int n, uint32_t seed)
 {
