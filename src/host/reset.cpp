@@ -2,6 +2,7 @@
 #include "files/tiff_read.h"
 #include "files/file_state.h"
 #include "analysis/multispec.h"
+#include "analysis/elastic_modulus.h"
 #include "display/colour_startup.h"
 #include "display/render.h"
 #include "display/scroll_bars.h"
@@ -81,4 +82,5 @@ void ResetProcessState()
     ResetSpectroState();
     ResetSpecToolsState();
     ResetMultiSpecState();
+    ResetElasticModulus();
 }

@@ -203,3 +203,7 @@ TABLE(wint_MeshParamType, "MeshParam", F(Purpose), F(Options), F(Colour), POINT(
       FRAME("FrameTop", top), FRAME("FrameRight", right), FRAME("FrameBottom", bottom))
 #undef POINT
 #undef FRAME
+
+TABLE(wint_ElasticModulusType, "ElasticModulusParam", F(SmoothPoints), F(SlopeOutIn), F(SlopeInOut),
+      F(ContactMethod), F(RampLimit), F(SpringConstant), F(TipRadius), F(PoissonRatio), F(ValidText1),
+      F(ValidText2), F(ResultText), F(FCStatus), F(CalcStatus), F(Apply1Status), F(Apply2Status))

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "script_values.h"
+#include "tavrin/dl_elastic_modulus.h"
 
 template <typename M>
 constexpr RecordField::Kind FieldKindOf()
@@ -48,3 +49,5 @@ template <> const RecordFields* FieldsOf<wint_CITSDispParamType>();
 // the mesh
 template <> const RecordFields* FieldsOf<MeshInfoType>();
 template <> const RecordFields* FieldsOf<wint_MeshParamType>();
+// elastic modulus
+template <> const RecordFields* FieldsOf<wint_ElasticModulusType>();

@@ -282,6 +282,15 @@ const std::vector<ScriptEntry>& ScriptEntries()
         TAVRIN_ENTRY(dl_ExtractArea),
         TAVRIN_ENTRY(dl_ReplaceArea),
         TAVRIN_ENTRY(dl_LatticeAverage),
+        // elastic modulus
+        TAVRIN_ENTRY(dl_ElasticModulus_SelectFC),
+        TAVRIN_ENTRY(dl_ElasticModulus_Calculate),
+        TAVRIN_ENTRY(dl_ElasticModulus_Apply1),
+        TAVRIN_ENTRY(dl_ElasticModulus_Apply2),
+        TAVRIN_ENTRY(dl_ElasticModulus_Apply3),
+        TAVRIN_ENTRY(dl_ElasticModulus_CloseDlg),
+        TAVRIN_ENTRY(dl_GetElasticModulusParam),
+        TAVRIN_ENTRY(dl_SetElasticModulusParam),
     };
     return entries;
 }
