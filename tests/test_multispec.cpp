@@ -1,6 +1,6 @@
 // The multi-spectra display: items of one-way and two-way spectra, matching, and the settings
 // file written, loaded and written again.
-#include "test_spec_support.h"
+#include "test_spectrum_commands_support.h"
 
 #include "analysis/multispec.h"
 #include "store/data_list.h"

@@ -1,5 +1,5 @@
 // The plot package: areas, world mapping, axes, labels, grids, number texts and log scaling.
-#include "test_spec_support.h"
+#include "test_spectrum_commands_support.h"
 
 #include "display/plot.h"
 

@@ -1,6 +1,6 @@
 // The default plot of a spectrum: settings, titles, log axis checks, curves in two colours,
 // bars of a histogram, the polar frame and the plot entry points.
-#include "test_spec_support.h"
+#include "test_spectrum_commands_support.h"
 
 #include "display/contents_grid.h"
 #include "display/plot.h"

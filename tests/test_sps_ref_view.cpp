@@ -1,5 +1,5 @@
 // The image of attached spectra with their places marked, and the index of a value in a list.
-#include "test_spec_support.h"
+#include "test_spectrum_commands_support.h"
 #include "test_spectrum_support.h"
 
 #include "files/attached_spectra.h"

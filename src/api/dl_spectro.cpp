@@ -2,7 +2,7 @@
 #include "tavrin/dl_spectro.h"
 #include "host/trace.h"
 #include "spectro/spectro.h"
-#include "spectro/spec_tools.h"
+#include "spectro/spectrum_tools.h"
 #include "spectro/sps_ref_view.h"
 
 TAVRIN_API void dl_SmoothSpec(void)

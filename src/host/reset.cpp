@@ -35,7 +35,7 @@
 #include "platform/settings_store.h"
 #include "settings/cantilever.h"
 #include "spectro/spectro.h"
-#include "spectro/spec_tools.h"
+#include "spectro/spectrum_tools.h"
 #include "store/data_list.h"
 #include "store/memory.h"
 

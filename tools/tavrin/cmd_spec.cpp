@@ -7,7 +7,7 @@
 #include "session.h"
 
 #include "files/spectrum_files.h"
-#include "spectro/spec_tools.h"
+#include "spectro/spectrum_tools.h"
 
 #include <cmath>
 #include <cstdio>

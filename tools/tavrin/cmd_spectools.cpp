@@ -5,7 +5,7 @@
 #include "picture.h"
 #include "session.h"
 
-#include "spectro/spec_tools.h"
+#include "spectro/spectrum_tools.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // Zoom into a box of the spectrum plot: the points inside, resampled to the spectrum's length.
-#include "spectro/spec_tools.h"
+#include "spectro/spectrum_tools.h"
 #include "display/plot.h"
 #include "display/plot_spectrum.h"
 #include "display/selection.h"

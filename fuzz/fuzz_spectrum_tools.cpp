@@ -7,7 +7,7 @@
 #include "display/plot_spectrum.h"
 #include "display/vfs.h"
 #include "image/poly_regression.h"
-#include "spectro/spec_tools.h"
+#include "spectro/spectrum_tools.h"
 #include "store/memory.h"
 
 #include <cmath>

@@ -1,5 +1,5 @@
 // Ground truth of the spectrum commands on the sample spectra, whose models are known.
-#include "test_spec_support.h"
+#include "test_spectrum_commands_support.h"
 
 #include "files/sample_data.h"
 

@@ -1,7 +1,7 @@
 // The spectrum commands: the frame (new item, history, log, plot), smoothing, median,
 // derivative parameters and failures, arithmetic, sorting, two-spectrum operations, DC bias and
 // the ramp split.
-#include "test_spec_support.h"
+#include "test_spectrum_commands_support.h"
 
 #include "host/wait.h"
 #include "settings/cantilever.h"

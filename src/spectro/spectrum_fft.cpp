@@ -1,5 +1,5 @@
 // The magnitude spectrum of a spectrum under one of five windows, plotted against the index.
-#include "spectro/spec_tools.h"
+#include "spectro/spectrum_tools.h"
 #include "display/contents_grid.h"
 #include "display/plot.h"
 #include "display/plot_spectrum.h"

@@ -1,6 +1,6 @@
 // The tools on the spectrum plot: fit, zoom, the windowed magnitude spectrum, the measuring
 // cursor, the group plot, the text table and the value of a curve at a plot position.
-#include "test_spec_support.h"
+#include "test_spectrum_commands_support.h"
 
 #include "display/plot.h"
 #include "display/plot_spectrum.h"
@@ -9,7 +9,7 @@
 #include "host/wait.h"
 #include "files/spectrum_files.h"
 #include "image/poly_regression.h"
-#include "spectro/spec_tools.h"
+#include "spectro/spectrum_tools.h"
 
 #include <cmath>
 #include <complex>

@@ -1,5 +1,5 @@
 // The interactive polynomial fit of a spectrum.
-#include "spectro/spec_tools.h"
+#include "spectro/spectrum_tools.h"
 #include "display/frame_commands.h"
 #include "display/plot.h"
 #include "display/plot_buffer.h"

@@ -1,6 +1,6 @@
 // The measuring cursor over a spectrum plot, the group plot, and the value of a curve at a
 // plot position.
-#include "spectro/spec_tools.h"
+#include "spectro/spectrum_tools.h"
 #include "display/frame_commands.h"
 #include "display/plot.h"
 #include "display/plot_spectrum.h"
