@@ -73,17 +73,8 @@ std::vector<uint32_t> Bits(const ImageHeaderType* item)
 void Settle(ImageHeaderType* a, ImageHeaderType* b, const std::vector<uint32_t>& bitsA, const std::vector<uint32_t>& bitsB)
 {
     fuzzsupport::Check(Bits(a) == bitsA && Bits(b) == bitsB, "the sources are untouched");
-    for (ImageHeaderType* p = FirstItem; p;) {
-        ImageHeaderType* next = p->Next;
-        if (p != a && p != b) {
-            fuzzsupport::Check(p->PixData != nullptr && p->nx > 0, "a result has samples");
-            fuzzsupport::ReadEverySample(p);
-            CurrentItem = p;
-            EraseItem(p);
-        }
-        p = next;
-    }
-    CurrentItem = a;
+    fuzzsupport::ReadAndEraseResults(
+        a, b, [](const ImageHeaderType* p) { return p->PixData != nullptr && p->nx > 0; }, "a result has samples");
 }
 
 } // namespace

@@ -37,17 +37,9 @@ std::vector<uint32_t> Bits(const ImageHeaderType* item)
 void Settle(ImageHeaderType* source, const std::vector<uint32_t>& bits)
 {
     fuzzsupport::Check(Bits(source) == bits, "the source is untouched");
-    for (ImageHeaderType* p = FirstItem; p;) {
-        ImageHeaderType* next = p->Next;
-        if (p != source) {
-            fuzzsupport::Check(p->nx == source->nx && p->PixData != nullptr, "a zoom keeps the number of points");
-            fuzzsupport::ReadEverySample(p);
-            CurrentItem = p;
-            EraseItem(p);
-        }
-        p = next;
-    }
-    CurrentItem = source;
+    fuzzsupport::ReadAndEraseResults(
+        source, source, [source](const ImageHeaderType* p) { return p->nx == source->nx && p->PixData != nullptr; },
+        "a zoom keeps the number of points");
 }
 
 } // namespace

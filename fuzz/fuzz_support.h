@@ -85,6 +85,24 @@ inline void ReadEverySample(const ImageHeaderType* spectrum)
     for (int i = 0; i < 2 * spectrum->nx; ++i) sum = sum + samples[i];
 }
 
+// After a spectrum command: every item but `keepA` and `keepB` must pass `good` (else the run
+// stops with `what`), is read through and erased; `keepA` is current again.
+template <typename Good>
+void ReadAndEraseResults(ImageHeaderType* keepA, ImageHeaderType* keepB, Good good, const char* what)
+{
+    for (ImageHeaderType* p = FirstItem; p;) {
+        ImageHeaderType* next = p->Next;
+        if (p != keepA && p != keepB) {
+            Check(good(p), what);
+            ReadEverySample(p);
+            CurrentItem = p;
+            EraseItem(p);
+        }
+        p = next;
+    }
+    CurrentItem = keepA;
+}
+
 // A new nx by ny image behind `after` in the data list, its pixels allocated and not yet
 // set; a failed allocation stops the run (the targets start with room to spare).
 inline ImageHeaderType* NewImageItem(ImageHeaderType* after, int nx, int ny)
